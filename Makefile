@@ -1,0 +1,51 @@
+# Thin wrapper: CMake builds, this file installs what is missing and names the
+# everyday commands. PRESET picks the CMake preset (default, debug, asan).
+PRESET ?= default
+BUILD_DIR := build/$(PRESET)
+DEMO_DIR := build/demo
+TOOL := $(BUILD_DIR)/src/cli/romsteward-tool
+
+# Debian packages the project builds and tests with.
+DEB_PACKAGES := cmake ninja-build g++ pkg-config \
+  libcli11-dev libfmt-dev nlohmann-json3-dev libsqlite3-dev libarchive-dev \
+  libgtest-dev libgmock-dev libbenchmark-dev
+
+# Warnings are errors wherever CI runs.
+CMAKE_FLAGS := $(if $(CI),-DROMSTEWARD_WERROR=ON,)
+JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+
+.PHONY: deps configure build test run bench format clean
+
+deps:
+	@missing=""; \
+	for p in $(DEB_PACKAGES); do \
+	  dpkg-query -W -f='$${Status}' $$p 2>/dev/null | grep -q "ok installed" || missing="$$missing $$p"; \
+	done; \
+	if [ -n "$$missing" ]; then \
+	  echo "Installing:$$missing"; \
+	  sudo=""; [ "$$(id -u)" -eq 0 ] || sudo=sudo; \
+	  $$sudo apt-get update && \
+	  DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y --no-install-recommends $$missing; \
+	fi
+
+configure:
+	cmake --preset $(PRESET) $(CMAKE_FLAGS)
+
+build: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+test: deps build
+	ctest --test-dir $(BUILD_DIR) --output-on-failure -j $(JOBS)
+
+run: deps build
+	@[ -d $(DEMO_DIR) ] || $(TOOL) demo $(DEMO_DIR)
+	$(TOOL) info $(DEMO_DIR)/*
+
+bench: deps build
+	@for b in $(BUILD_DIR)/bench/*_bench; do [ -x "$$b" ] && "$$b"; done
+
+format:
+	find src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf build

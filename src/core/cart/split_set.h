@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace romsteward {
+
+/// "game." for "game.1": the name up to and including its last ".".
+std::string SplitVolumeStem(std::string_view name);
+/// stem + n.
+std::string SplitVolumeName(std::string_view stem, int number);
+
+/// The existing volumes stem1, stem2, ... in order, stopping at the first gap.
+std::vector<std::string> ListSplitVolumes(std::string_view anyVolumeName);
+
+struct SplitSetSize {
+  std::uint64_t volumes = 0;
+  std::uint64_t totalBytes = 0;  ///< every volume's length, copier headers included
+};
+SplitSetSize MeasureSplitSet(std::string_view anyVolumeName);
+
+}  // namespace romsteward

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <filesystem>
+#include <string_view>
+
+#include "core/common/result.h"
+
+namespace romsteward {
+
+/// Writes a new file beside its target and renames it into place on Commit, so a reader
+/// never sees half a file and a failure leaves the old target (or none) behind.
+/// Dropped without Commit, the temporary file is removed.
+class AtomicFileWriter {
+public:
+  static Result<AtomicFileWriter> Create(const std::filesystem::path& target);
+
+  AtomicFileWriter(AtomicFileWriter&& other) noexcept;
+  AtomicFileWriter& operator=(AtomicFileWriter&&) = delete;
+  AtomicFileWriter(const AtomicFileWriter&) = delete;
+  AtomicFileWriter& operator=(const AtomicFileWriter&) = delete;
+  ~AtomicFileWriter();
+
+  Status Write(std::string_view data);
+  /// Flushes to disk and renames over the target.
+  Status Commit();
+
+  const std::filesystem::path& Target() const { return m_target; }
+  const std::filesystem::path& TemporaryPath() const { return m_temporary; }
+
+private:
+  AtomicFileWriter(int fd, std::filesystem::path target, std::filesystem::path temporary);
+  void Discard();
+
+  int m_fd = -1;
+  std::filesystem::path m_target;
+  std::filesystem::path m_temporary;
+};
+
+/// The whole of `contents` as the new `target`, through AtomicFileWriter.
+Status WriteFileAtomically(const std::filesystem::path& target, std::string_view contents);
+
+}  // namespace romsteward

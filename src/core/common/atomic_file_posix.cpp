@@ -1,0 +1,94 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <random>
+#include <utility>
+
+#include "core/common/atomic_file.h"
+#include "core/common/strings.h"
+
+namespace romsteward {
+
+namespace {
+
+Error ErrnoError(std::string_view what, const std::filesystem::path& path) {
+  return Error{std::string(what) + " " + PathToUtf8(path) + ": " + std::strerror(errno)};
+}
+
+std::filesystem::path TemporaryBeside(const std::filesystem::path& target, unsigned salt) {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::string suffix;
+  for (int i = 0; i < 8; ++i, salt >>= 4) suffix += kDigits[salt & 15];
+  return target.parent_path() / ("." + PathToUtf8(target.filename()) + ".tmp-" + suffix);
+}
+
+}  // namespace
+
+Result<AtomicFileWriter> AtomicFileWriter::Create(const std::filesystem::path& target) {
+  std::random_device entropy;
+  for (int attempt = 0; attempt < 16; ++attempt) {
+    std::filesystem::path temporary = TemporaryBeside(target, entropy());
+    // 0666 lets the umask decide, as for any newly created file.
+    const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd >= 0) return AtomicFileWriter(fd, target, std::move(temporary));
+    if (errno != EEXIST) return ErrnoError("Cannot create a file beside", target);
+  }
+  return Error{"Cannot create a temporary file beside " + PathToUtf8(target)};
+}
+
+AtomicFileWriter::AtomicFileWriter(int fd, std::filesystem::path target,
+                                   std::filesystem::path temporary)
+    : m_fd(fd), m_target(std::move(target)), m_temporary(std::move(temporary)) {}
+
+AtomicFileWriter::AtomicFileWriter(AtomicFileWriter&& other) noexcept
+    : m_fd(std::exchange(other.m_fd, -1)),
+      m_target(std::move(other.m_target)),
+      m_temporary(std::move(other.m_temporary)) {}
+
+AtomicFileWriter::~AtomicFileWriter() { Discard(); }
+
+void AtomicFileWriter::Discard() {
+  if (m_fd < 0) return;
+  ::close(m_fd);
+  m_fd = -1;
+  ::unlink(m_temporary.c_str());
+}
+
+Status AtomicFileWriter::Write(std::string_view data) {
+  if (m_fd < 0) return Error{"Cannot write " + PathToUtf8(m_target) + ": already closed"};
+  while (!data.empty()) {
+    const ssize_t put = ::write(m_fd, data.data(), data.size());
+    if (put < 0 && errno == EINTR) continue;
+    if (put <= 0) return ErrnoError("Cannot write", m_target);
+    data.remove_prefix(static_cast<std::size_t>(put));
+  }
+  return {};
+}
+
+Status AtomicFileWriter::Commit() {
+  if (m_fd < 0) return Error{"Cannot write " + PathToUtf8(m_target) + ": already closed"};
+  if (::fsync(m_fd) != 0) {
+    Status failed = ErrnoError("Cannot write", m_target);
+    Discard();
+    return failed;
+  }
+  ::close(m_fd);
+  m_fd = -1;
+  if (::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
+    Status failed = ErrnoError("Cannot replace", m_target);
+    ::unlink(m_temporary.c_str());
+    return failed;
+  }
+  return {};
+}
+
+Status WriteFileAtomically(const std::filesystem::path& target, std::string_view contents) {
+  auto writer = AtomicFileWriter::Create(target);
+  if (!writer) return writer.error();
+  if (Status written = writer->Write(contents); !written) return written;
+  return writer->Commit();
+}
+
+}  // namespace romsteward

@@ -1,0 +1,111 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "core/common/binary_file.h"
+#include "core/common/strings.h"
+
+namespace romsteward {
+
+namespace {
+
+Error ErrnoError(std::string_view what, const std::filesystem::path& path) {
+  return Error{std::string(what) + " " + PathToUtf8(path) + ": " + std::strerror(errno)};
+}
+
+}  // namespace
+
+Result<BinaryFile> BinaryFile::Open(const std::filesystem::path& path, Mode mode) {
+  const int flags = (mode == Mode::ReadWrite ? O_RDWR : O_RDONLY) | O_CLOEXEC;
+  int fd;
+  do {
+    fd = ::open(path.c_str(), flags);
+  } while (fd < 0 && errno == EINTR);
+  if (fd < 0) return ErrnoError("Cannot open", path);
+  struct stat info {};
+  if (::fstat(fd, &info) == 0 && S_ISDIR(info.st_mode)) {
+    ::close(fd);
+    return Error{"Cannot open " + PathToUtf8(path) + ": it is a directory"};
+  }
+  return BinaryFile(fd, path, mode);
+}
+
+BinaryFile::BinaryFile(int fd, std::filesystem::path path, Mode mode)
+    : m_fd(fd), m_path(std::move(path)), m_mode(mode) {}
+
+BinaryFile::BinaryFile(BinaryFile&& other) noexcept
+    : m_fd(std::exchange(other.m_fd, -1)), m_path(std::move(other.m_path)), m_mode(other.m_mode) {}
+
+BinaryFile& BinaryFile::operator=(BinaryFile&& other) noexcept {
+  if (this != &other) {
+    if (m_fd >= 0) ::close(m_fd);
+    m_fd = std::exchange(other.m_fd, -1);
+    m_path = std::move(other.m_path);
+    m_mode = other.m_mode;
+  }
+  return *this;
+}
+
+BinaryFile::~BinaryFile() {
+  if (m_fd >= 0) ::close(m_fd);
+}
+
+std::uint64_t BinaryFile::Size() const {
+  struct stat info {};
+  if (::fstat(m_fd, &info) != 0) return 0;
+  return static_cast<std::uint64_t>(info.st_size);
+}
+
+std::size_t BinaryFile::ReadInto(std::uint64_t offset, std::span<char> out) const {
+  std::size_t done = 0;
+  while (done < out.size()) {
+    const ssize_t got =
+        ::pread(m_fd, out.data() + done, out.size() - done, static_cast<off_t>(offset + done));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) break;
+    done += static_cast<std::size_t>(got);
+  }
+  return done;
+}
+
+std::string BinaryFile::ReadAt(std::uint64_t offset, std::size_t count) const {
+  std::string bytes(count, '\0');
+  bytes.resize(ReadInto(offset, bytes));
+  return bytes;
+}
+
+Status BinaryFile::WriteAt(std::uint64_t offset, std::string_view data) {
+  std::size_t done = 0;
+  while (done < data.size()) {
+    const ssize_t put =
+        ::pwrite(m_fd, data.data() + done, data.size() - done, static_cast<off_t>(offset + done));
+    if (put < 0 && errno == EINTR) continue;
+    if (put <= 0) return ErrnoError("Cannot write", m_path);
+    done += static_cast<std::size_t>(put);
+  }
+  return {};
+}
+
+Status BinaryFile::Truncate(std::uint64_t length) {
+  if (::ftruncate(m_fd, static_cast<off_t>(length)) != 0) return ErrnoError("Cannot resize", m_path);
+  return {};
+}
+
+Result<std::string> ReadWholeFile(const std::filesystem::path& path) {
+  auto file = BinaryFile::Open(path);
+  if (!file) return file.error();
+  const std::uint64_t size = file->Size();
+  std::string bytes = file->ReadAt(0, static_cast<std::size_t>(size));
+  if (bytes.size() != size) return Error{"Cannot read all of " + PathToUtf8(path)};
+  return bytes;
+}
+
+bool IsWritableByUser(const std::filesystem::path& path) {
+  return ::access(path.c_str(), W_OK) == 0;
+}
+
+}  // namespace romsteward

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/common/result.h"
+
+namespace romsteward {
+
+/// Writes the demo collection into `dir` (created when missing): one image in each layout,
+/// a split set, an image with a wrong checksum, one with backup RAM, a file that is no image
+/// and a ZIP archive holding two images. Only the collection's own files are replaced.
+Status WriteDemoCollection(const std::filesystem::path& dir);
+
+/// A ZIP archive (deflated members) of the given names and contents, built in memory.
+Result<std::string> BuildZipArchive(const std::vector<std::pair<std::string, std::string>>& members);
+
+}  // namespace romsteward

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "core/common/result.h"
+
+namespace romsteward {
+
+/// Named byte-string values under keys named by full key paths, with the registry's rules:
+/// key paths and value names compare case-insensitively (ASCII), values keep 0x00 bytes,
+/// a key's values enumerate in the order they were first created (overwriting keeps the
+/// place), and every call reports success or failure (deleting a missing value fails).
+/// Backed by one SQLite file in WAL mode, so two running copies can share it.
+class RegistryStore {
+public:
+  /// Opens or creates the store. A file that is not a store, or a damaged one, is left
+  /// untouched and reported with its name and the reason.
+  static Result<std::unique_ptr<RegistryStore>> Open(const std::filesystem::path& file);
+
+  /// $ROMSTEWARD_SETTINGS, else $XDG_CONFIG_HOME/romsteward/settings.sqlite3 (with
+  /// ~/.config when XDG_CONFIG_HOME is unset).
+  static std::filesystem::path DefaultLocation();
+
+  ~RegistryStore();
+  RegistryStore(const RegistryStore&) = delete;
+  RegistryStore& operator=(const RegistryStore&) = delete;
+
+  const std::filesystem::path& File() const;
+
+  Status SetValue(std::string_view keyPath, std::string_view name, std::string_view data);
+  Result<std::string> GetValue(std::string_view keyPath, std::string_view name) const;
+  bool HasValue(std::string_view keyPath, std::string_view name) const;
+  Status DeleteValue(std::string_view keyPath, std::string_view name);
+  /// Value names in creation order; a key that does not exist fails.
+  Result<std::vector<std::string>> EnumerateValueNames(std::string_view keyPath) const;
+  /// Names and data in creation order; a key that does not exist fails.
+  Result<std::vector<std::pair<std::string, std::string>>> EnumerateValues(
+      std::string_view keyPath) const;
+
+private:
+  struct Impl;
+  explicit RegistryStore(std::unique_ptr<Impl> impl);
+  std::unique_ptr<Impl> m_impl;
+};
+
+}  // namespace romsteward
