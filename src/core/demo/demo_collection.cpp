@@ -105,7 +105,7 @@ Status WriteDemoCollection(const std::filesystem::path& dir) {
   broken.wrongChecksum = true;
   add("Broken Lantern (E).bin", BuildCartridgeImage(broken));
 
-  CartridgeSpec coral = Cart("(C)T-50 1993SEP", "CORAL ARCHIVE", "4", "JM", 384, 6);
+  CartridgeSpec coral = Cart("(C)TREC 1993SEP", "CORAL ARCHIVE", "4", "JM", 384, 6);
   coral.backupRam = true;
   coral.productType = "AL";
   add("Coral Archive (B).bin", BuildCartridgeImage(coral));
