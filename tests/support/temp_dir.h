@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -18,13 +20,25 @@ public:
   const std::filesystem::path& Path() const { return m_path; }
   std::filesystem::path operator/(std::string_view name) const { return m_path / name; }
 
-  /// Writes `bytes` as the file `name` inside the directory and returns its path.
-  std::filesystem::path Write(std::string_view name, std::string_view bytes) const;
-  /// The whole file `name` (or a path) as bytes.
-  static std::string Read(const std::filesystem::path& path);
+  /// Writes `contents` as the file `name` inside the directory and returns its path.
+  std::filesystem::path Write(std::string_view name, std::string_view contents) const;
 
 private:
   std::filesystem::path m_path;
+};
+
+/// Whole-file helpers for tests; a failure to read or write fails the running test.
+void WriteTestFile(const std::filesystem::path& path, std::string_view contents);
+std::string ReadTestFile(const std::filesystem::path& path);
+
+/// Fixture for tests that write files: `Dir()` is new for every test.
+class TempDirTest : public ::testing::Test {
+protected:
+  const std::filesystem::path& Dir() const { return m_dir.Path(); }
+  std::filesystem::path PathOf(std::string_view name) const { return m_dir / name; }
+
+private:
+  TempDir m_dir;
 };
 
 }  // namespace romsteward::test

@@ -30,9 +30,9 @@ TEST_F(ConvertTest, EveryPairOfLayoutsRoundTrips) {
       ASSERT_TRUE(ConvertImage(source, to, there, true).ok());
       ASSERT_TRUE(ConvertImage(there, from, back, true).ok());
       // Compared as booleans: a mismatch of two images is unreadable when printed.
-      EXPECT_TRUE(test::TempDir::Read(there) == EncodeImage(m_logical, to));
-      EXPECT_TRUE(test::TempDir::Read(back) == original);
-      EXPECT_TRUE(test::TempDir::Read(source) == original);  // never touched
+      EXPECT_TRUE(test::ReadTestFile(there) == EncodeImage(m_logical, to));
+      EXPECT_TRUE(test::ReadTestFile(back) == original);
+      EXPECT_TRUE(test::ReadTestFile(source) == original);  // never touched
     }
   }
 }
@@ -49,7 +49,7 @@ TEST_F(ConvertTest, RefusesWhatWouldLoseOrReplaceData) {
   const auto source = m_dir.Write("game.bin", m_logical);
   m_dir.Write("game.smd", "keep me");
   EXPECT_FALSE(ConvertImage(source, Layout::Smd, m_dir / "game.smd", false).ok());
-  EXPECT_EQ(test::TempDir::Read(m_dir / "game.smd"), "keep me");
+  EXPECT_EQ(test::ReadTestFile(m_dir / "game.smd"), "keep me");
   EXPECT_TRUE(ConvertImage(source, Layout::Smd, m_dir / "game.smd", true).ok());
 
   EXPECT_FALSE(ConvertImage(source, Layout::Bin, m_dir / "copy.bin", false).ok());  // already

@@ -62,7 +62,7 @@ TEST(LogicalIo, NoImageReadsEmptyAndIsNeverWritten) {
   auto file = BinaryFile::Open(path, BinaryFile::Mode::ReadWrite);
   EXPECT_EQ(ReadHeaderBytes(*file, 0x100, 16), "");
   EXPECT_TRUE(WriteHeaderBytes("zz", *file, 0x18E, Layout::NoRom).ok());
-  EXPECT_EQ(test::TempDir::Read(path), text);
+  EXPECT_EQ(test::ReadTestFile(path), text);
   EXPECT_EQ(ReadCartridgeHeader(*file).countries, "NOT FOUND");
 }
 

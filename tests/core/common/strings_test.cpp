@@ -51,11 +51,11 @@ TEST(AtomicFile, CommitReplacesAndDroppingLeavesNothing) {
     ASSERT_TRUE(writer.ok());
     ASSERT_TRUE(writer->Write("half").ok());
   }  // dropped without Commit
-  EXPECT_EQ(test::TempDir::Read(target), "old");
+  EXPECT_EQ(test::ReadTestFile(target), "old");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 1);
 
   ASSERT_TRUE(WriteFileAtomically(target, "new").ok());
-  EXPECT_EQ(test::TempDir::Read(target), "new");
+  EXPECT_EQ(test::ReadTestFile(target), "new");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 1);
 
   EXPECT_FALSE(WriteFileAtomically(dir / "missing" / "x", "data").ok());
