@@ -88,5 +88,6 @@ void AddInfoCommand(CLI::App& app, ToolContext& context);
 void AddConvertCommand(CLI::App& app, ToolContext& context);
 void AddDemoCommand(CLI::App& app, ToolContext& context);
 void AddSettingsCommand(CLI::App& app, ToolContext& context);
+void AddOptionsCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli

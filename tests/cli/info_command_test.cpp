@@ -12,8 +12,8 @@
 namespace romsteward::cli {
 namespace {
 
-using test::ToolRun;
-ToolRun Tool(const std::vector<std::string>& args) { return test::RunToolCapturing(args); }
+using romsteward::test::ToolRun;
+ToolRun Tool(const std::vector<std::string>& args) { return romsteward::test::RunToolWith(args); }
 
 TEST(InfoCommand, JsonOfTheDemoCollectionHasExactlyTheDocumentedKeys) {
   romsteward::test::TempDir dir;
