@@ -30,20 +30,23 @@ std::size_t SkipEqual(const char* a, const char* b, std::size_t at, std::size_t 
   return at;
 }
 
-// The first index from `at` on where the buffers differ, or `size`.
-std::size_t NextDifference(const char* a, const char* b, std::size_t at, std::size_t size) {
-  at = SkipEqual<kSkipBlock>(a, b, at, size);
-  at = SkipEqual<kProbe>(a, b, at, size);
-  at = SkipEqual<sizeof(Word)>(a, b, at, size);
-  while (at < size && a[at] == b[at])
-    ++at;
-  return at;
-}
-
 Word LoadWord(const char* p) {
   Word word;
   std::memcpy(&word, p, sizeof word);
   return word;
+}
+
+// The first index from `at` on where the buffers differ, or `size`.
+std::size_t NextDifference(const char* a, const char* b, std::size_t at, std::size_t size) {
+  // Runs often lie close together: a difference in the next word is found without a call.
+  if (size - at < sizeof(Word) || LoadWord(a + at) == LoadWord(b + at)) {
+    at = SkipEqual<kSkipBlock>(a, b, at, size);
+    at = SkipEqual<kProbe>(a, b, at, size);
+    at = SkipEqual<sizeof(Word)>(a, b, at, size);
+  }
+  while (at < size && a[at] == b[at])
+    ++at;
+  return at;
 }
 
 // The first index from `at` on where the buffers agree, or `size`. A differing run is passed a

@@ -11,6 +11,12 @@ namespace {
 constexpr std::size_t kOffsetBytes = 3;
 constexpr std::size_t kLengthBytes = 2;
 
+// The three offset bytes, upper-cased, spell the end marker.
+bool SpellsEndMarker(char a, char b, char c) {
+  return ToUpperAscii(a) == kIpsEndMarker[0] && ToUpperAscii(b) == kIpsEndMarker[1] &&
+         ToUpperAscii(c) == kIpsEndMarker[2];
+}
+
 }  // namespace
 
 IpsContents ParseIps(std::string_view patch) {
@@ -24,7 +30,7 @@ IpsContents ParseIps(std::string_view patch) {
     const std::size_t recordStart = at;
     if (patch.size() - at >= kOffsetBytes) {
       const std::string_view offsetBytes = patch.substr(at, kOffsetBytes);
-      if (ToUpperAscii(offsetBytes) == kIpsEndMarker) return contents;
+      if (SpellsEndMarker(offsetBytes[0], offsetBytes[1], offsetBytes[2])) return contents;
       at += kOffsetBytes;
       if (patch.size() - at >= kLengthBytes) {
         const std::size_t length = BytesToNumber(patch.substr(at, kLengthBytes));
@@ -46,13 +52,17 @@ IpsContents ParseIps(std::string_view patch) {
 }
 
 void AppendIpsRecord(std::string& patch, std::uint32_t offset, std::string_view data) {
-  patch += NumberToBytes(offset, kOffsetBytes);
-  patch += NumberToBytes(data.size(), kLengthBytes);
-  patch += data;
+  // Appended byte by byte: a patch of tiny records would otherwise spend its time allocating.
+  const char head[] = {static_cast<char>(offset >> 16), static_cast<char>(offset >> 8),
+                       static_cast<char>(offset), static_cast<char>(data.size() >> 8),
+                       static_cast<char>(data.size())};
+  patch.append(head, sizeof head);
+  patch.append(data);
 }
 
 bool IsEndMarkerOffset(std::uint32_t offset) {
-  return ToUpperAscii(NumberToBytes(offset, kOffsetBytes)) == kIpsEndMarker;
+  return SpellsEndMarker(static_cast<char>(offset >> 16), static_cast<char>(offset >> 8),
+                         static_cast<char>(offset));
 }
 
 std::string DescribeIpsDamage(const IpsContents& contents, std::string_view patchName,
