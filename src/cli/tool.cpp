@@ -15,6 +15,7 @@ int RunTool(const std::vector<std::string>& args, std::ostream& out, std::ostrea
   AddInfoCommand(app, context);
   AddConvertCommand(app, context);
   AddDemoCommand(app, context);
+  AddIpsCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

@@ -29,5 +29,6 @@ int RunTool(const std::vector<std::string>& args, std::ostream& out, std::ostrea
 void AddInfoCommand(CLI::App& app, ToolContext& context);
 void AddConvertCommand(CLI::App& app, ToolContext& context);
 void AddDemoCommand(CLI::App& app, ToolContext& context);
+void AddIpsCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli
