@@ -1,18 +1,21 @@
 #include "support/temp_dir.h"
 
+#include <stdlib.h>
+
 #include <fstream>
-#include <random>
+#include <system_error>
 
 #include "core/common/binary_file.h"
 
 namespace romsteward::test {
 
 TempDir::TempDir() {
-  std::random_device entropy;
-  const auto base = std::filesystem::temp_directory_path();
-  do {
-    m_path = base / ("romsteward-test-" + std::to_string(entropy()));
-  } while (!std::filesystem::create_directory(m_path));
+  std::string pattern =
+      (std::filesystem::temp_directory_path() / "romsteward-test-XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) {
+    ADD_FAILURE() << "Cannot create a temporary directory from " << pattern;
+  }
+  m_path = pattern;
 }
 
 TempDir::~TempDir() {
@@ -20,22 +23,19 @@ TempDir::~TempDir() {
   std::filesystem::remove_all(m_path, ignored);
 }
 
-std::filesystem::path TempDir::operator/(std::string_view name) const {
-  return m_path / name;
-}
-
-std::filesystem::path TempDir::Write(std::string_view name, std::string_view bytes) const {
-  const auto path = m_path / name;
+void WriteTestFile(const std::filesystem::path& path, std::string_view contents) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  EXPECT_TRUE(out.good()) << "cannot write " << path;
-  return path;
+  out.write(contents.data(), static_cast<std::streamsize>(contents.size()));
+  if (!out) ADD_FAILURE() << "Cannot write the test file " << path;
 }
 
-std::string ReadFileBytes(const std::filesystem::path& path) {
-  auto bytes = ReadWholeFile(path);
-  EXPECT_TRUE(bytes.ok()) << (bytes.ok() ? "" : bytes.error().message);
-  return bytes.ok() ? *bytes : std::string();
+std::string ReadTestFile(const std::filesystem::path& path) {
+  auto contents = ReadWholeFile(path);
+  if (!contents) {
+    ADD_FAILURE() << contents.error().message;
+    return {};
+  }
+  return std::move(contents).value();
 }
 
 }  // namespace romsteward::test

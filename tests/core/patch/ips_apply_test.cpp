@@ -5,26 +5,25 @@
 #include <string>
 
 #include "core/patch/ips_create.h"
-#include "core/patch/ips_test_bytes.h"
+#include "support/byte_files.h"
 #include "support/reference_ips.h"
-#include "support/temp_dir.h"
 
 namespace romsteward {
 namespace {
 
 using test::Bytes;
 
-class IpsApply : public test::TempDirTest {
+class IpsApply : public test::ByteFileTest {
 protected:
   // Applies `patch` to a file holding `image` and returns the file afterwards.
   std::string Apply(const std::string& patch, const std::string& image,
                     IpsApplyReport* report = nullptr) {
-    const auto imagePath = m_dir.Write("image.bin", image);
-    const auto patchPath = m_dir.Write("patch.ips", patch);
+    const auto imagePath = Put("image.bin", image);
+    const auto patchPath = Put("patch.ips", patch);
     auto applied = ApplyIpsFile(patchPath, imagePath);
     EXPECT_TRUE(applied.ok()) << (applied.ok() ? "" : applied.error().message);
     if (applied.ok() && report) *report = *applied;
-    return test::ReadFileBytes(imagePath);
+    return test::ReadTestFile(imagePath);
   }
 };
 
@@ -103,8 +102,8 @@ TEST_F(IpsApply, CreatedPatchTurnsTheUnchangedFileIntoTheChangedOne) {
 }
 
 TEST_F(IpsApply, UnwritableImageIsReported) {
-  const auto patchPath = m_dir.Write("p.ips", "PATCHEOF");
-  const auto applied = ApplyIpsFile(patchPath, m_dir / "missing.bin");
+  const auto patchPath = Put("p.ips", "PATCHEOF");
+  const auto applied = ApplyIpsFile(patchPath, PathOf("missing.bin"));
   ASSERT_FALSE(applied.ok());
   EXPECT_NE(applied.error().message.find("missing.bin"), std::string::npos);
 }

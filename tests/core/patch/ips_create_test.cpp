@@ -6,9 +6,8 @@
 #include <string>
 
 #include "core/patch/ips_format.h"
-#include "core/patch/ips_test_bytes.h"
+#include "support/byte_files.h"
 #include "support/reference_ips.h"
-#include "support/temp_dir.h"
 
 namespace romsteward {
 namespace {
@@ -121,23 +120,23 @@ TEST(IpsCreate, DefaultNameReplacesTheExtension) {
   EXPECT_EQ(DefaultIpsName("/roms.d/SONIC"), "/roms.d/SONIC.ips");
 }
 
-class IpsCreateFile : public test::TempDirTest {};
+class IpsCreateFile : public test::ByteFileTest {};
 
 TEST_F(IpsCreateFile, OverwritesTheStartOfAnExistingLongerFileKeepingItsTail) {
-  const auto unchanged = m_dir.Write("a.bin", "0123456789");
-  const auto changed = m_dir.Write("b.bin", "0123x56789");
-  const auto output = m_dir.Write("b.ips", std::string(30, '#'));
+  const auto unchanged = Put("a.bin", "0123456789");
+  const auto changed = Put("b.bin", "0123x56789");
+  const auto output = Put("b.ips", std::string(30, '#'));
   const auto created = CreateIpsFile(unchanged, changed, output);
   ASSERT_TRUE(created.ok()) << created.error().message;
   EXPECT_EQ(created->records, 1u);
-  EXPECT_EQ(test::ReadFileBytes(output),
+  EXPECT_EQ(test::ReadTestFile(output),
             "PATCH" + Bytes({0, 0, 4, 0, 1}) + "xEOF" + std::string(30 - 14, '#'));
 }
 
 TEST_F(IpsCreateFile, WritesNothingWhenThePatchCannotBeMade) {
-  const auto unchanged = m_dir.Write("a.bin", "0123456789");
-  const auto changed = m_dir.Write("b.bin", "0123x5678");
-  const auto output = m_dir / "b.ips";
+  const auto unchanged = Put("a.bin", "0123456789");
+  const auto changed = Put("b.bin", "0123x5678");
+  const auto output = PathOf("b.ips");
   EXPECT_EQ(CreateIpsFile(unchanged, changed, output).error().message,
             "The size of the files don't match!");
   EXPECT_FALSE(std::filesystem::exists(output));
@@ -145,9 +144,9 @@ TEST_F(IpsCreateFile, WritesNothingWhenThePatchCannotBeMade) {
   // Naming an input as the output would destroy it.
   const auto same = CreateIpsFile(unchanged, changed, changed);
   ASSERT_FALSE(same.ok());
-  EXPECT_EQ(test::ReadFileBytes(changed), "0123x5678");
+  EXPECT_EQ(test::ReadTestFile(changed), "0123x5678");
 
-  const auto missing = CreateIpsFile(m_dir / "none.bin", changed, output);
+  const auto missing = CreateIpsFile(PathOf("none.bin"), changed, output);
   ASSERT_FALSE(missing.ok());
   EXPECT_NE(missing.error().message.find("none.bin"), std::string::npos);
 }
