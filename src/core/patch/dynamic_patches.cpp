@@ -48,11 +48,9 @@ std::optional<PatchValue> DecodePatchValue(std::string_view data) {
   const auto position = ParsePosition(data.substr(0, first));
   if (!position) return std::nullopt;
   const std::string_view rest = data.substr(first + 1);
-  std::size_t split = rest.size() / 2;
-  if (rest.size() % 2 == 0 || rest[split] != kFieldSeparator) {
-    split = rest.find(kFieldSeparator);
-    if (split == std::string_view::npos) return std::nullopt;
-  }
+  // The new bytes are never fewer than the old, so the separator lies at or after the middle.
+  const std::size_t split = rest.find(kFieldSeparator, rest.empty() ? 0 : (rest.size() - 1) / 2);
+  if (split == std::string_view::npos) return std::nullopt;
   return PatchValue{*position, std::string(rest.substr(0, split)),
                     std::string(rest.substr(split + 1))};
 }

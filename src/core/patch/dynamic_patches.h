@@ -30,11 +30,11 @@ struct PatchValue {
 
 std::string PatchValueName(std::string_view listText, std::string_view patchName);
 std::string EncodePatchValue(const PatchValue& value);
-/// The three fields of a stored value. New and old bytes normally have the same length, so
-/// the text after the position splits at its middle "|" whatever bytes they hold (a "|" or a
-/// 0x00 among them included). A value that has no middle "|" (old bytes cut short by the end
-/// of the image) splits at the first "|" after the position. nullopt when malformed: no
-/// second "|", or a position that is not a decimal number of 1 or more.
+/// The three fields of a stored value. The old bytes are as many as the new ones (fewer only
+/// when the patch runs past the end of the image), so the field separator is the first "|"
+/// at or after the middle of the text after the position: a "|" or 0x00 among equally long
+/// fields reads back right. nullopt when malformed: no second "|", or a position that is not
+/// a decimal number of 1 or more.
 std::optional<PatchValue> DecodePatchValue(std::string_view data);
 
 /// Writes (or replaces) the patch `patchName` of the image listed as `listText`.
