@@ -1,8 +1,8 @@
 // romsteward-tool patch: list, add and remove an image's dynamic patches, or make them from
 // an IPS file. The image is named by its path; its patches are filed under its file name.
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <memory>
 #include <ostream>
 
@@ -28,11 +28,15 @@ struct PatchOptions {
 };
 
 // The text the image is listed under, which its patches are filed by.
-std::string ListText(const std::string& file) { return PathToUtf8(Utf8ToPath(file).filename()); }
+std::string ListText(const std::string& file) {
+  return PathToUtf8(Utf8ToPath(file).filename());
+}
 
 using LaunchPatches = std::vector<std::pair<std::string, std::string>>;
 
-std::string Hex(std::string_view bytes) { return bytes.empty() ? "-" : TextToHex(bytes); }
+std::string Hex(std::string_view bytes) {
+  return bytes.empty() ? "-" : TextToHex(bytes);
+}
 
 void PrintPatch(std::ostream& out, std::string_view name, std::string_view data) {
   const auto patch = DecodePatchValue(data);
@@ -79,8 +83,8 @@ int RunList(const PatchOptions& options, ToolContext& context) {
 int RunAdd(const PatchOptions& options, ToolContext& context) {
   AppSettings* settings = context.SettingsOrReport();
   if (!settings) return kExitError;
-  auto dialog = PatchDialogModel::Load(context.host(), settings->Store(),
-                                       Utf8ToPath(options.file), ListText(options.file));
+  auto dialog = PatchDialogModel::Load(context.host(), settings->Store(), Utf8ToPath(options.file),
+                                       ListText(options.file));
   if (!dialog) {
     context.err << dialog.error().message << '\n';
     return kExitError;

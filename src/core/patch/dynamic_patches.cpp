@@ -88,9 +88,10 @@ std::vector<std::string> ListDynamicPatchNames(const RegistryStore& store,
 
 Result<std::vector<std::pair<std::string, std::string>>> PatchesForLaunch(
     const RegistryStore& store, std::string_view listText) {
+  std::vector<std::pair<std::string, std::string>> kept;
+  if (!store.KeyExists(PatchKeyPath())) return kept;  // no patch was ever stored
   auto values = store.EnumerateValues(PatchKeyPath());
   if (!values) return values.error();
-  std::vector<std::pair<std::string, std::string>> kept;
   for (auto& value : *values) {
     if (value.first.starts_with(listText)) kept.push_back(std::move(value));
   }
