@@ -88,6 +88,7 @@ void AddInfoCommand(CLI::App& app, ToolContext& context);
 void AddConvertCommand(CLI::App& app, ToolContext& context);
 void AddDemoCommand(CLI::App& app, ToolContext& context);
 void AddSettingsCommand(CLI::App& app, ToolContext& context);
+void AddOptionsCommand(CLI::App& app, ToolContext& context);
 void AddIpsCommand(CLI::App& app, ToolContext& context);
 void AddPatchCommand(CLI::App& app, ToolContext& context);
 
