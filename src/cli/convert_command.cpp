@@ -1,6 +1,5 @@
 // romsteward-tool convert: an image in another copier layout, as a new file.
 #include <CLI/CLI.hpp>
-
 #include <map>
 #include <memory>
 #include <ostream>
@@ -22,8 +21,8 @@ struct ConvertOptions {
 
 int RunConvert(const ConvertOptions& options, ToolContext& context) {
   const auto source = Utf8ToPath(options.file);
-  const auto output =
-      options.output.empty() ? DefaultConvertOutput(source, options.to) : Utf8ToPath(options.output);
+  const auto output = options.output.empty() ? DefaultConvertOutput(source, options.to)
+                                             : Utf8ToPath(options.output);
   if (Status converted = ConvertImage(source, options.to, output, options.force); !converted) {
     context.err << converted.error().message << '\n';
     return kExitError;

@@ -1,6 +1,5 @@
 // romsteward-tool demo: the made-up collection that `make run` and the tests use.
 #include <CLI/CLI.hpp>
-
 #include <memory>
 #include <ostream>
 

@@ -1,7 +1,7 @@
 // romsteward-tool info: every decoded header field of each file, as text or JSON.
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -88,8 +88,7 @@ int RunInfo(const InfoOptions& options, ToolContext& context) {
       continue;
     }
     const Layout layout = DetectRomFormat(*file);
-    const FileInfo info{name, layout, ReadCartridgeHeader(*file),
-                        RomSizeMbit(*file, name, layout)};
+    const FileInfo info{name, layout, ReadCartridgeHeader(*file), RomSizeMbit(*file, name, layout)};
     if (options.json) {
       all.push_back(ToJson(info));
     } else {

@@ -90,6 +90,8 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddDemoCommand(app, context);
   AddSettingsCommand(app, context);
   AddOptionsCommand(app, context);
+  AddIpsCommand(app, context);
+  AddPatchCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

@@ -89,5 +89,7 @@ void AddConvertCommand(CLI::App& app, ToolContext& context);
 void AddDemoCommand(CLI::App& app, ToolContext& context);
 void AddSettingsCommand(CLI::App& app, ToolContext& context);
 void AddOptionsCommand(CLI::App& app, ToolContext& context);
+void AddIpsCommand(CLI::App& app, ToolContext& context);
+void AddPatchCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli

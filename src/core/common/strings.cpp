@@ -31,10 +31,14 @@ std::string RemoveNuls(std::string_view text) {
 }
 
 namespace {
-char LowerAscii(char c) { return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c; }
+char LowerAscii(char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c;
+}
 }  // namespace
 
-char ToUpperAscii(char c) { return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c; }
+char ToUpperAscii(char c) {
+  return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 32) : c;
+}
 
 std::string ToUpperAscii(std::string_view text) {
   std::string out(text);
@@ -49,9 +53,9 @@ std::string ToLowerAscii(std::string_view text) {
 }
 
 bool EqualsIgnoreCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() &&
-         std::equal(a.begin(), a.end(), b.begin(),
-                    [](char x, char y) { return ToUpperAscii(x) == ToUpperAscii(y); });
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return ToUpperAscii(x) == ToUpperAscii(y);
+         });
 }
 
 bool StartsWithIgnoreCase(std::string_view text, std::string_view prefix) {
@@ -73,13 +77,15 @@ std::string_view FileExtension(std::string_view name) {
 
 std::uint64_t BytesToNumber(std::string_view bytes) {
   std::uint64_t value = 0;
-  for (char c : bytes) value = (value << 8) | static_cast<unsigned char>(c);
+  for (char c : bytes)
+    value = (value << 8) | static_cast<unsigned char>(c);
   return value;
 }
 
 std::string NumberToBytes(std::uint64_t value, std::size_t width) {
   std::string bytes(width, '\0');
-  for (std::size_t i = width; i-- > 0; value >>= 8) bytes[i] = static_cast<char>(value & 0xFF);
+  for (std::size_t i = width; i-- > 0; value >>= 8)
+    bytes[i] = static_cast<char>(value & 0xFF);
   return bytes;
 }
 
@@ -177,10 +183,21 @@ bool IsHexDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
+std::string FormatThousands(std::uint64_t value) {
+  const std::string digits = std::to_string(value);
+  std::string out;
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i > 0 && (digits.size() - i) % 3 == 0) out += ',';
+    out += digits[i];
+  }
+  return out;
+}
+
 std::int64_t LeadingNumber(std::string_view text) {
   constexpr std::int64_t kMax = std::numeric_limits<std::int64_t>::max();
   std::size_t i = 0;
-  while (i < text.size() && text[i] == ' ') ++i;
+  while (i < text.size() && text[i] == ' ')
+    ++i;
   std::int64_t value = 0;
   for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
     const int digit = text[i] - '0';

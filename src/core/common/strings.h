@@ -37,6 +37,9 @@ std::string NumberToBytes(std::uint64_t value, std::size_t width);
 
 bool IsHexDigit(char c);
 
+/// `value` in decimal with a "," between groups of three digits: 1048576 gives "1,048,576".
+std::string FormatThousands(std::uint64_t value);
+
 /// Valid UTF-8 for display: well-formed UTF-8 sequences are kept and every other byte is
 /// read as the Latin-1 character of the same value (the single-byte text of old headers).
 std::string Latin1FallbackToUtf8(std::string_view bytes);
