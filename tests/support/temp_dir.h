@@ -8,7 +8,8 @@
 
 namespace romsteward::test {
 
-/// A fresh directory for one test, removed with everything in it afterwards.
+/// A fresh directory under the system's temporary folder, removed with everything in it
+/// when the object goes.
 class TempDir {
 public:
   TempDir();
@@ -17,21 +18,23 @@ public:
   TempDir& operator=(const TempDir&) = delete;
 
   const std::filesystem::path& Path() const { return m_path; }
-  /// Path() / name.
   std::filesystem::path operator/(std::string_view name) const { return m_path / name; }
-
-  /// Writes `bytes` as `name` (replacing it) and returns its path.
-  std::filesystem::path Write(std::string_view name, std::string_view bytes) const;
-  /// The whole file; fails the test when it cannot be read.
-  static std::string Read(const std::filesystem::path& path);
 
 private:
   std::filesystem::path m_path;
 };
 
-/// A fixture that gives each test its own TempDir as `m_dir`.
+/// Whole-file helpers for tests; a failure to read or write fails the running test.
+void WriteTestFile(const std::filesystem::path& path, std::string_view contents);
+std::string ReadTestFile(const std::filesystem::path& path);
+
+/// Fixture for tests that write files: `Dir()` is new for every test.
 class TempDirTest : public ::testing::Test {
 protected:
+  const std::filesystem::path& Dir() const { return m_dir.Path(); }
+  std::filesystem::path PathOf(std::string_view name) const { return m_dir / name; }
+
+private:
   TempDir m_dir;
 };
 
