@@ -88,5 +88,8 @@ void AddInfoCommand(CLI::App& app, ToolContext& context);
 void AddConvertCommand(CLI::App& app, ToolContext& context);
 void AddDemoCommand(CLI::App& app, ToolContext& context);
 void AddSettingsCommand(CLI::App& app, ToolContext& context);
+void AddSplitCommand(CLI::App& app, ToolContext& context);
+void AddJoinCommand(CLI::App& app, ToolContext& context);
+void AddJoinFilesCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli
