@@ -2,13 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "core/cart/convert.h"
-#include "core/cart/detect.h"
 #include "core/cart/interleave.h"
-#include "core/common/binary_file.h"
-#include "core/common/strings.h"
 #include "core/demo/cartridge_builder.h"
 #include "support/file_size_limit.h"
 #include "support/scripted_host.h"
@@ -22,10 +17,11 @@ using test::ReadTestFile;
 using test::ScriptedHost;
 using test::WriteTestFile;
 using Texts = std::vector<std::string>;
+namespace fs = std::filesystem;
 
 constexpr std::size_t kMbit = 131072;
 
-// Bytes that differ from position to position, so a misplaced copy shows.
+// Bytes that differ from place to place, so a misplaced copy shows.
 std::string Filler(std::size_t size, unsigned seed) {
   std::string bytes(size, '\0');
   for (std::size_t i = 0; i < size; ++i)
@@ -33,239 +29,158 @@ std::string Filler(std::size_t size, unsigned seed) {
   return bytes;
 }
 
-// An SMD image of a real cartridge of `kib` KiB.
-std::string SmdCartridge(std::size_t kib) {
-  CartridgeSpec spec;
-  spec.size = kib * 1024;
-  return EncodeImage(BuildCartridgeImage(spec), Layout::Smd);
-}
-
-std::string SmdOfData(std::size_t dataBytes) {
-  return BuildSmdHeader(static_cast<std::int64_t>((dataBytes + 512) / kBlockSize), false) +
+std::string Smd(std::size_t dataBytes, bool more = false) {
+  return BuildSmdHeader(static_cast<std::int64_t>((dataBytes + 512) / kBlockSize), more) +
          Filler(dataBytes, 1);
 }
 
 class SplitJoinTest : public test::TempDirTest {
 protected:
-  std::filesystem::path Image(std::string_view bytes) {
-    const auto path = PathOf("GAME.smd");
-    WriteTestFile(path, bytes);
+  fs::path Game(std::string_view extension, std::optional<std::string> bytes = {}) {
+    const fs::path path = PathOf("GAME." + std::string(extension));
+    if (bytes) WriteTestFile(path, *bytes);
     return path;
   }
-  std::string Volume(int n) { return ReadTestFile(PathOf("GAME." + std::to_string(n))); }
-  bool Has(std::string_view name) { return std::filesystem::exists(PathOf(name)); }
-  std::vector<std::string> DirEntries() {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(Dir()))
-      names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
+  std::string Read(std::string_view extension) { return ReadTestFile(Game(extension)); }
+  std::size_t FileCount() {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(Dir()), {}));
   }
+  ScriptedHost m_host;
 };
 
 TEST_F(SplitJoinTest, FourMegabitsAtOneMakeFourDetectableVolumesThatJoinBackExactly) {
-  const std::string image = SmdCartridge(512);
-  ASSERT_EQ(image.size(), 512 + 4 * kMbit);
-  const auto path = Image(image);
-
-  ScriptedHost host;
-  EXPECT_EQ(SplitImage(host, path, 1), CommandResult::Done);
-  EXPECT_EQ(host.Texts(), Texts{"The ROM was splitted in 4 files"});
+  CartridgeSpec spec;
+  spec.size = 4 * kMbit;
+  const std::string image = EncodeImage(BuildCartridgeImage(spec), Layout::Smd);
+  const fs::path path = Game("smd", image);
+  EXPECT_EQ(SplitImage(m_host, path, 1), CommandResult::Done);
   for (int v = 1; v <= 4; ++v) {
-    const std::string volume = Volume(v);
-    ASSERT_EQ(volume.size(), 512 + kMbit) << v;
-    EXPECT_EQ(volume.substr(0, 512), BuildSmdHeader(8, v < 4)) << v;
-    EXPECT_EQ(volume.substr(512), image.substr(512 + (v - 1) * kMbit, kMbit)) << v;
+    const std::string volume = Read(std::to_string(v));
+    EXPECT_EQ(volume, BuildSmdHeader(8, v < 4) + image.substr(512 + (v - 1) * kMbit, kMbit)) << v;
   }
-  auto first = BinaryFile::Open(PathOf("GAME.1"));
-  auto later = BinaryFile::Open(PathOf("GAME.3"));
-  EXPECT_EQ(DetectRomFormat(*first), Layout::SplitFirst);
-  EXPECT_EQ(DetectRomFormat(*later), Layout::SplitLater);
 
-  // Joined from a later volume, over the original (asked about first).
-  ScriptedHost joiner;
-  joiner.AnswerYesNo(Answer::Yes);
-  EXPECT_EQ(JoinRom(joiner, PathOf("GAME.3")), CommandResult::Done);
-  EXPECT_EQ(joiner.Texts(),
-            (Texts{"The file GAME.smd exists! Do you want to delete it?", "4 file(s) joined"}));
-  EXPECT_EQ(joiner.Events()[0].icon, MessageIcon::Critical);
-  EXPECT_EQ(joiner.Events()[1].icon, MessageIcon::Information);
+  m_host.AnswerYesNo(Answer::Yes);  // the original GAME.smd is in the way
+  EXPECT_EQ(JoinRom(m_host, Game("3")), CommandResult::Done);
+  EXPECT_EQ(m_host.Texts(),
+            (Texts{"The ROM was splitted in 4 files",
+                   "The file GAME.smd exists! Do you want to delete it?", "4 file(s) joined"}));
+  EXPECT_EQ(m_host.Events()[1].icon, MessageIcon::Critical);
   EXPECT_EQ(ReadTestFile(path), image);
 }
 
-TEST_F(SplitJoinTest, AShortLastVolumeCountsItsOwnBlocksAndAtHalfAPartIsAskedAbout) {
-  const auto path = Image(SmdOfData(2 * kMbit + kMbit / 2));
-  WriteTestFile(PathOf("GAME.3"), "old");
-  ScriptedHost host;
-  host.AnswerYesNo(Answer::Yes);
-  EXPECT_EQ(SplitImage(host, path, 1), CommandResult::Done);
-  EXPECT_EQ(host.Texts(), (Texts{"The file '" + PathOf("GAME.3").string() + "' exists! Overwrite?",
-                                 "The ROM was splitted in 3 files"}));
-  EXPECT_EQ(Volume(2).substr(0, 3), std::string("\x08\x03\x40", 3));
-  const std::string last = Volume(3);
-  ASSERT_EQ(last.size(), 512 + 65536);
-  EXPECT_EQ(last.substr(0, 512), BuildSmdHeader(4, false));
-}
+TEST_F(SplitJoinTest, AShortLastVolumeIsAskedAboutFromHalfAPartAndOtherwiseWrittenOverInPlace) {
+  Game("3", "old");
+  m_host.AnswerYesNo(Answer::Yes);
+  EXPECT_EQ(SplitImage(m_host, Game("smd", Smd(2 * kMbit + kMbit / 2)), 1), CommandResult::Done);
+  EXPECT_EQ(m_host.Texts().at(0), "The file '" + Game("3").string() + "' exists! Overwrite?");
+  EXPECT_EQ(Read("3"), BuildSmdHeader(4, false) + Filler(3 * kMbit, 1).substr(2 * kMbit, 65536));
 
-TEST_F(SplitJoinTest, AShortLastVolumeUnderHalfAPartIsWrittenOverInPlaceWithoutAQuestion) {
-  const std::string image = SmdOfData(2 * kMbit + 32768);
-  const auto path = Image(image);
   const std::string old(200000, 'Z');
-  WriteTestFile(PathOf("GAME.3"), old);
-  ScriptedHost host;
-  EXPECT_EQ(SplitImage(host, path, 1), CommandResult::Done);
-  const std::string last = Volume(3);
-  ASSERT_EQ(last.size(), old.size());
-  EXPECT_EQ(last.substr(0, 512), BuildSmdHeader(2, false));
-  EXPECT_EQ(last.substr(512, 32768), image.substr(512 + 2 * kMbit));
-  EXPECT_EQ(last.substr(512 + 32768), old.substr(512 + 32768));
+  Game("3", old);
+  fs::remove(Game("1"));
+  fs::remove(Game("2"));
+  ScriptedHost quiet;
+  const std::string image = Smd(2 * kMbit + 32768);
+  EXPECT_EQ(SplitImage(quiet, Game("smd", image), 1), CommandResult::Done);
+  EXPECT_EQ(Read("3"),
+            BuildSmdHeader(2, false) + image.substr(512 + 2 * kMbit) + old.substr(512 + 32768));
 }
 
-TEST_F(SplitJoinTest, NothingIsWrittenWhenTheImageIsNotLargerThanOnePartOrTheSizeIsNotPositive) {
-  const auto path = Image(SmdOfData(kMbit));
-  ScriptedHost host;
-  EXPECT_EQ(SplitImage(host, path, 1), CommandResult::Failed);
-  EXPECT_EQ(host.Texts(), Texts{"You just can split ROMs in parts smaller than it."});
-  EXPECT_EQ(host.Events()[0].icon, MessageIcon::Critical);
+TEST_F(SplitJoinTest, NothingIsWrittenForAnImageOfOnePartASizeBelowOneOrANoToAVolume) {
+  const fs::path onePart = Game("smd", Smd(kMbit));
+  EXPECT_EQ(SplitImage(m_host, onePart, 1), CommandResult::Failed);
+  EXPECT_EQ(SplitImage(m_host, onePart, 0), CommandResult::Cancelled);
+  EXPECT_EQ(SplitImage(m_host, onePart, -3), CommandResult::Cancelled);
+  EXPECT_EQ(m_host.Texts(), Texts{"You just can split ROMs in parts smaller than it."});
+  EXPECT_EQ(FileCount(), 1u);
 
-  ScriptedHost silent;
-  EXPECT_EQ(SplitImage(silent, path, 0), CommandResult::Cancelled);
-  EXPECT_EQ(SplitImage(silent, path, -3), CommandResult::Cancelled);
-  EXPECT_TRUE(silent.Events().empty());
-  EXPECT_EQ(DirEntries(), Texts{"GAME.smd"});
-}
-
-TEST_F(SplitJoinTest, NoToAnExistingVolumeStopsBeforeAnythingIsWritten) {
-  const auto path = Image(SmdOfData(4 * kMbit));
-  WriteTestFile(PathOf("GAME.1"), "one");
-  WriteTestFile(PathOf("GAME.2"), "two");
-  ScriptedHost host;
-  host.AnswerYesNo(Answer::Yes).AnswerYesNo(Answer::No);
-  EXPECT_EQ(SplitImage(host, path, 1), CommandResult::Cancelled);
-  EXPECT_EQ(host.EventsOf(PromptKind::YesNo).size(), 2u);
-  EXPECT_EQ(DirEntries(), (Texts{"GAME.2", "GAME.smd"}));  // Yes deleted GAME.1
-  EXPECT_EQ(Volume(2), "two");
+  Game("1", "one");
+  Game("2", "two");
+  m_host.AnswerYesNo(Answer::Yes).AnswerYesNo(Answer::No);
+  EXPECT_EQ(SplitImage(m_host, Game("smd", Smd(4 * kMbit)), 1), CommandResult::Cancelled);
+  EXPECT_FALSE(fs::exists(Game("1")));  // Yes deleted it
+  EXPECT_EQ(Read("2"), "two");
+  EXPECT_EQ(FileCount(), 2u);
 }
 
 TEST_F(SplitJoinTest, AVolumeThatCannotBeWrittenTakesBackTheWholeSet) {
-  const auto path = Image(SmdOfData(2 * kMbit + 16384));
-  WriteTestFile(PathOf("GAME.3"), std::string(400000, 'Z'));
-  ScriptedHost host;
+  const std::string old(400000, 'Z');
+  Game("3", old);
   {
     test::FileSizeLimit limit(300000);
-    EXPECT_EQ(SplitImage(host, path, 1), CommandResult::Failed);
+    EXPECT_EQ(SplitImage(m_host, Game("smd", Smd(2 * kMbit + 16384)), 1), CommandResult::Failed);
   }
-  ASSERT_EQ(host.Texts().size(), 1u);
-  EXPECT_NE(host.Texts()[0].find("GAME.3"), std::string::npos) << host.Texts()[0];
-  EXPECT_EQ(DirEntries(), (Texts{"GAME.3", "GAME.smd"}));
-  EXPECT_EQ(Volume(3), std::string(400000, 'Z'));
+  EXPECT_NE(m_host.Texts().at(0).find("GAME.3"), std::string::npos) << m_host.Transcript();
+  EXPECT_EQ(FileCount(), 2u);
+  EXPECT_EQ(Read("3"), old);
 }
 
-TEST_F(SplitJoinTest, SplitRomAsksTheSizeAndTheChooserRefusesAbove32) {
-  const auto path = Image(SmdCartridge(512));
-  ScriptedHost host;
-  host.AnswerSplitSize(33).AnswerSplitSize(2);
-  EXPECT_EQ(SplitRom(host, path), CommandResult::Done);
-  ASSERT_EQ(host.Events().size(), 3u);
-  EXPECT_EQ(host.Events()[0].title, " Select split size (rom size: 4 Mbit)");
-  EXPECT_EQ(host.Events()[1].icon, MessageIcon::Critical);
-  EXPECT_EQ(host.Events()[2].text, "The ROM was splitted in 2 files");
-
-  ScriptedHost cancelled;
-  cancelled.AnswerSplitSize(std::nullopt);
-  EXPECT_EQ(SplitRom(cancelled, PathOf("GAME.smd")), CommandResult::Cancelled);
+TEST_F(SplitJoinTest, SplitRomTakesItsSizeFromTheChooserWhichStaysOpenAfterARefusal) {
+  m_host.AnswerSplitSize(33).AnswerSplitSize(2).AnswerSplitSize(std::nullopt);
+  const fs::path path = Game("smd", Smd(4 * kMbit));
+  EXPECT_EQ(SplitRom(m_host, path), CommandResult::Done);
+  EXPECT_EQ(m_host.Events().at(0).title, " Select split size (rom size: 4 Mbit)");
+  EXPECT_EQ(m_host.Texts().back(), "The ROM was splitted in 2 files");
+  EXPECT_EQ(SplitRom(m_host, path), CommandResult::Cancelled);
 }
 
-TEST_F(SplitJoinTest, JoinStopsAtTheFirstMissingVolume) {
-  const std::string first = BuildSmdHeader(8, true) + Filler(kMbit, 1);
-  WriteTestFile(PathOf("GAME.1"), first);
-  WriteTestFile(PathOf("GAME.3"), BuildSmdHeader(8, false) + Filler(kMbit, 3));
-  ScriptedHost host;
-  EXPECT_EQ(JoinRom(host, PathOf("GAME.1")), CommandResult::Done);
-  EXPECT_EQ(host.Texts(), Texts{"1 file(s) joined"});
-  EXPECT_EQ(ReadTestFile(PathOf("GAME.smd")), BuildSmdHeader(8, false) + first.substr(512));
+TEST_F(SplitJoinTest, JoinStopsAtAGapAndZeroesTheBlockCountAbove255Blocks) {
+  const std::string first = Smd(kMbit, true);
+  Game("1", first);
+  Game("3", Smd(kMbit));
+  EXPECT_EQ(JoinRom(m_host, Game("1")), CommandResult::Done);
+  EXPECT_EQ(m_host.Texts(), Texts{"1 file(s) joined"});
+  EXPECT_EQ(Read("smd"), BuildSmdHeader(8, false) + first.substr(512));
+
+  // 512 + 255 blocks is larger than 255 blocks.
+  Game("1", Smd(128 * kBlockSize, true));
+  Game("2", Smd(127 * kBlockSize));
+  fs::remove(Game("3"));
+  fs::remove(Game("smd"));
+  ASSERT_EQ(JoinRom(m_host, Game("2")), CommandResult::Done);
+  const std::string joined = Read("smd");
+  ASSERT_EQ(joined.size(), 512 + 255 * kBlockSize);
+  EXPECT_EQ(joined.substr(0, 512), BuildSmdHeader(0, false));
 }
 
-TEST_F(SplitJoinTest, JoinedBlockCountIsZeroOnceTheImageIsLargerThan255Blocks) {
-  for (const int secondBlocks : {126, 127}) {
-    WriteTestFile(PathOf("GAME.1"), BuildSmdHeader(128, true) + Filler(128 * kBlockSize, 1));
-    WriteTestFile(PathOf("GAME.2"),
-                  BuildSmdHeader(secondBlocks, false) + Filler(secondBlocks * kBlockSize, 2));
-    std::filesystem::remove(PathOf("GAME.smd"));
-    ScriptedHost host;
-    ASSERT_EQ(JoinRom(host, PathOf("GAME.2")), CommandResult::Done);
-    const std::string joined = ReadTestFile(PathOf("GAME.smd"));
-    ASSERT_EQ(joined.size(), 512 + (128 + secondBlocks) * kBlockSize);
-    EXPECT_EQ(static_cast<unsigned char>(joined[0]), secondBlocks == 126 ? 254 : 0);
-    EXPECT_EQ(joined[2], 0);
-  }
-}
-
-TEST_F(SplitJoinTest, AFailedJoinKeepsTheOldTargetAndLeavesNoTemporaryFile) {
-  WriteTestFile(PathOf("GAME.1"), BuildSmdHeader(8, true) + Filler(kMbit, 1));
-  WriteTestFile(PathOf("GAME.2"), BuildSmdHeader(8, false) + Filler(kMbit, 2));
-  WriteTestFile(PathOf("GAME.smd"), "old");
-  ScriptedHost host;
-  host.AnswerYesNo(Answer::Yes);
+TEST_F(SplitJoinTest, AJoinThatFailsOrIsDeclinedKeepsTheOldTargetAndNoTemporaryFile) {
+  Game("1", Smd(kMbit, true));
+  Game("2", Smd(kMbit));
+  Game("smd", "old");
+  m_host.AnswerYesNo(Answer::Yes).AnswerYesNo(Answer::No);
   {
     test::FileSizeLimit limit(kMbit);
-    EXPECT_EQ(JoinRom(host, PathOf("GAME.1")), CommandResult::Failed);
+    EXPECT_EQ(JoinRom(m_host, Game("1")), CommandResult::Failed);
   }
-  EXPECT_NE(host.Texts().back().find("GAME.smd"), std::string::npos) << host.Transcript();
-  EXPECT_EQ(DirEntries(), (Texts{"GAME.1", "GAME.2", "GAME.smd"}));
-  EXPECT_EQ(ReadTestFile(PathOf("GAME.smd")), "old");
-
-  ScriptedHost declined;
-  declined.AnswerYesNo(Answer::No);
-  EXPECT_EQ(JoinRom(declined, PathOf("GAME.2")), CommandResult::Cancelled);
-  EXPECT_EQ(ReadTestFile(PathOf("GAME.smd")), "old");
-
-  ScriptedHost none;
-  EXPECT_EQ(JoinRom(none, PathOf("OTHER.2")), CommandResult::Failed);
-  EXPECT_EQ(none.Events().size(), 1u);
+  EXPECT_NE(m_host.Texts().back().find("GAME.smd"), std::string::npos) << m_host.Transcript();
+  EXPECT_EQ(JoinRom(m_host, Game("2")), CommandResult::Cancelled);
+  EXPECT_EQ(FileCount(), 3u);
+  EXPECT_EQ(Read("smd"), "old");
+  EXPECT_EQ(JoinRom(m_host, PathOf("OTHER.2")), CommandResult::Failed);  // no first volume
 }
 
-TEST_F(SplitJoinTest, JoinFilesAppendsWholeFilesInTheOrderChosen) {
+TEST_F(SplitJoinTest, JoinFilesAppendsInTheOrderChosenAndWritesNothingOnAMissingFile) {
   WriteTestFile(PathOf("a"), "AAA");
-  WriteTestFile(PathOf("b"), BuildSmdHeader(1, true));
   WriteTestFile(PathOf("c"), "C");
-  const std::string dest = PathOf("out.bin").string();
-  ScriptedHost host;
-  host.AnswerSaveFile(dest).AnswerOpenFiles(
-      {PathOf("c").string(), PathOf("a").string(), PathOf("b").string()});
-  EXPECT_EQ(JoinFiles(host, Dir().string()), CommandResult::Done);
-  EXPECT_EQ(ReadTestFile(dest), "CAAA" + BuildSmdHeader(1, true));
-  const auto save = host.EventsOf(PromptKind::SaveFile).at(0).dialog;
-  EXPECT_EQ(save.title, "Choose a destination file");
-  EXPECT_EQ(save.filters.at(0).description, "All files");
-  EXPECT_EQ(save.filters.at(0).patterns, "");
-  const auto open = host.EventsOf(PromptKind::OpenFiles).at(0).dialog;
-  EXPECT_EQ(open.title, "Choose multiple files to be appended");
-  EXPECT_EQ(open.filters.at(0).patterns, "*.*");
-  EXPECT_EQ(open.initialDir, Dir().string());
-  EXPECT_EQ(host.Texts().back(), "3 files were joined!");
-
-  ScriptedHost single;
-  single.AnswerSaveFile(dest).AnswerOpenFiles({PathOf("a").string()});
-  EXPECT_EQ(JoinFiles(single, Dir().string()), CommandResult::Done);
+  const std::string dest = PathOf("out").string();
+  m_host.AnswerSaveFile(dest)
+      .AnswerOpenFiles({PathOf("c").string(), PathOf("a").string()})
+      .AnswerSaveFile(dest)
+      .AnswerOpenFiles({PathOf("a").string()})
+      .AnswerSaveFile(std::nullopt);
+  EXPECT_EQ(JoinFiles(m_host, Dir().string()), CommandResult::Done);
+  EXPECT_EQ(ReadTestFile(dest), "CAAA");
+  EXPECT_EQ(JoinFiles(m_host, Dir().string()), CommandResult::Done);  // a one-file answer
   EXPECT_EQ(ReadTestFile(dest), "AAA");
-  EXPECT_EQ(single.Texts().back(), "1 files were joined!");
-}
+  EXPECT_EQ(JoinFiles(m_host, Dir().string()), CommandResult::Cancelled);
+  EXPECT_EQ(m_host.Texts(), (Texts{"2 files were joined!", "1 files were joined!"}));
+  EXPECT_EQ(m_host.EventsOf(PromptKind::SaveFile).at(0).title, "Choose a destination file");
+  EXPECT_EQ(m_host.EventsOf(PromptKind::OpenFiles).at(0).dialog.initialDir, Dir().string());
 
-TEST_F(SplitJoinTest, JoinFilesWritesNothingWhenCancelledOrAFileIsMissing) {
-  WriteTestFile(PathOf("a"), "AAA");
-  const std::string dest = PathOf("out.bin").string();
-  ScriptedHost host;
-  host.AnswerSaveFile(std::nullopt).AnswerSaveFile(dest).AnswerOpenFiles({});
-  EXPECT_EQ(JoinFiles(host, Dir().string()), CommandResult::Cancelled);
-  EXPECT_EQ(JoinFiles(host, Dir().string()), CommandResult::Cancelled);
-  EXPECT_FALSE(Has("out.bin"));
-
-  WriteTestFile(dest, "keep");
-  EXPECT_EQ(JoinFilesInto(host, dest, {PathOf("a").string(), PathOf("gone").string()}),
+  EXPECT_EQ(JoinFilesInto(m_host, dest, {PathOf("c").string(), PathOf("gone").string()}),
             CommandResult::Failed);
-  EXPECT_NE(host.Texts().back().find("gone"), std::string::npos);
-  EXPECT_EQ(ReadTestFile(dest), "keep");
+  EXPECT_NE(m_host.Texts().back().find("gone"), std::string::npos);
+  EXPECT_EQ(ReadTestFile(dest), "AAA");
 }
 
 }  // namespace
