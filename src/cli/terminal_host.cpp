@@ -7,6 +7,7 @@
 
 #include "cli/console.h"
 #include "core/common/strings.h"
+#include "core/tools/split_size_chooser.h"
 
 namespace romsteward::cli {
 
@@ -299,6 +300,28 @@ std::optional<std::string> TerminalHost::ChooseFromList(std::string_view title,
       }
     }
     m_err << "That is not one of the numbers.\n";
+  }
+}
+
+int TerminalHost::ChooseSplitSize(SplitSizeChooser& chooser) {
+  const std::string title = std::string(TrimBlanks(chooser.Caption()));
+  if (!m_options.interactive || m_options.autoAnswer != AutoAnswer::None) {
+    Report(title, "cancelled", Why(m_options.autoAnswer));
+    return SplitSizeChooser::kCancelled;
+  }
+  for (;;) {
+    m_err << title << "\nSplit size in megabits (1-" << SplitSizeChooser::kPresetCount
+          << ", or another number for a custom size; an empty line cancels): " << std::flush;
+    const std::optional<std::string> line = ReadLine();
+    if (!line || TrimBlanks(*line).empty()) return SplitSizeChooser::kCancelled;
+    const std::string_view word = TrimBlanks(*line);
+    chooser.SetCustomText(word);
+    const int number = chooser.CustomNumber();
+    if (number >= 1 && number <= SplitSizeChooser::kPresetCount && word == std::to_string(number))
+      chooser.SelectOption(number - 1);
+    const Result<int> accepted = chooser.Accept();
+    if (accepted) return accepted.value();
+    ShowMessage(accepted.error().message, MessageIcon::Critical, {});
   }
 }
 

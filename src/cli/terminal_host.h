@@ -50,6 +50,8 @@ public:
   void EndProgress() override;
   /// A terminal cannot tell; deletes stay recoverable.
   bool IsShiftHeld() override { return false; }
+  /// Asks for a number of megabits; without a terminal (or with --yes/--no) it is cancelled.
+  int ChooseSplitSize(SplitSizeChooser& chooser) override;
 
 private:
   // A line typed in answer; nullopt at the end of input.

@@ -92,6 +92,9 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddOptionsCommand(app, context);
   AddIpsCommand(app, context);
   AddPatchCommand(app, context);
+  AddSplitCommand(app, context);
+  AddJoinCommand(app, context);
+  AddJoinFilesCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

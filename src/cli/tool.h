@@ -91,5 +91,8 @@ void AddSettingsCommand(CLI::App& app, ToolContext& context);
 void AddOptionsCommand(CLI::App& app, ToolContext& context);
 void AddIpsCommand(CLI::App& app, ToolContext& context);
 void AddPatchCommand(CLI::App& app, ToolContext& context);
+void AddSplitCommand(CLI::App& app, ToolContext& context);
+void AddJoinCommand(CLI::App& app, ToolContext& context);
+void AddJoinFilesCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+#include "core/tools/split_size_chooser.h"
+
 namespace romsteward::test {
 
 std::string_view PromptKindName(PromptKind kind) {
@@ -29,6 +31,8 @@ std::string_view PromptKindName(PromptKind kind) {
       return "folder dialog";
     case PromptKind::List:
       return "list dialog";
+    case PromptKind::SplitSize:
+      return "split size chooser";
   }
   return "prompt";
 }
@@ -61,7 +65,8 @@ std::string Describe(const HostEvent& event) {
 ScriptedHost::~ScriptedHost() {
   const std::size_t unused = m_yesNo.size() + m_yesNoCancel.size() + m_questionBox.size() +
                              m_text.size() + m_openFile.size() + m_openFiles.size() +
-                             m_saveFile.size() + m_folder.size() + m_list.size();
+                             m_saveFile.size() + m_folder.size() + m_list.size() +
+                             m_splitSize.size();
   if (unused > 0) {
     ADD_FAILURE() << unused << " queued answer(s) were never asked for. What was shown:\n"
                   << Transcript();
@@ -103,6 +108,11 @@ ScriptedHost& ScriptedHost::AnswerFolder(std::optional<std::string> path) {
 }
 ScriptedHost& ScriptedHost::AnswerList(std::optional<std::string> choice) {
   m_list.push_back(std::move(choice));
+  return *this;
+}
+
+ScriptedHost& ScriptedHost::AnswerSplitSize(std::optional<int> megabits) {
+  m_splitSize.push_back(megabits);
   return *this;
 }
 
@@ -231,6 +241,21 @@ std::optional<std::string> ScriptedHost::ChooseFromList(std::string_view title,
     return std::nullopt;
   }
   return choice;
+}
+
+int ScriptedHost::ChooseSplitSize(SplitSizeChooser& chooser) {
+  const HostEvent& event = Record(Event(PromptKind::SplitSize, chooser.Caption()));
+  for (;;) {
+    const std::optional<int> megabits = Next(m_splitSize, event, std::optional<int>{});
+    if (!megabits) return SplitSizeChooser::kCancelled;
+    if (*megabits >= 1 && *megabits <= SplitSizeChooser::kPresetCount)
+      chooser.SelectOption(*megabits - 1);
+    else
+      chooser.SetCustomText(std::to_string(*megabits));
+    const Result<int> accepted = chooser.Accept();
+    if (accepted) return accepted.value();
+    ShowMessage(accepted.error().message, MessageIcon::Critical, {});
+  }
 }
 
 void ScriptedHost::BeginProgress(std::string_view caption) {

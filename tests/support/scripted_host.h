@@ -21,6 +21,7 @@ enum class PromptKind {
   SaveFile,
   Folder,
   List,
+  SplitSize,
 };
 
 /// One thing the core showed or asked, as the user would have seen it. Only the fields of
@@ -34,6 +35,7 @@ struct HostEvent {
   FileDialog dialog;               ///< OpenFile, OpenFiles, SaveFile
   std::vector<std::string> items;  ///< List
   std::string initial;             ///< Text (the proposed answer), Folder (initial folder)
+                                   ///< SplitSize: the chooser's caption is the title
   bool masked = false;             ///< Text
 };
 
@@ -59,6 +61,10 @@ public:
   ScriptedHost& AnswerSaveFile(std::optional<std::string> path);
   ScriptedHost& AnswerFolder(std::optional<std::string> path);
   ScriptedHost& AnswerList(std::optional<std::string> choice);
+  /// The split size chooser: 1..12 picks that option, any other number is typed into the
+  /// custom field, and OK is pressed; nullopt presses Cancel. A refused OK is recorded as
+  /// its message and the next queued answer is used, the chooser staying open.
+  ScriptedHost& AnswerSplitSize(std::optional<int> megabits);
 
   void SetShiftHeld(bool held) { m_shiftHeld = held; }
   /// SetProgress answers "cancel" from the first report at or above `percent`.
@@ -93,6 +99,7 @@ public:
   bool SetProgress(int percent) override;
   void EndProgress() override;
   bool IsShiftHeld() override { return m_shiftHeld; }
+  int ChooseSplitSize(SplitSizeChooser& chooser) override;
 
 private:
   // Takes the next answer of a queue, or fails the test and gives `fallback`.
@@ -110,6 +117,7 @@ private:
   std::deque<std::optional<std::string>> m_saveFile;
   std::deque<std::optional<std::string>> m_folder;
   std::deque<std::optional<std::string>> m_list;
+  std::deque<std::optional<int>> m_splitSize;
   std::vector<std::string> m_progressCaptions;
   std::vector<int> m_progressReports;
   bool m_progressOpen = false;

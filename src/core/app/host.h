@@ -7,6 +7,8 @@
 
 namespace romsteward {
 
+class SplitSizeChooser;
+
 /// Icons of a message box; the words of the old message-box styles.
 enum class MessageIcon { None, Information, Exclamation, Critical, Question };
 
@@ -86,6 +88,11 @@ public:
   /// The list dialog (`frmListagem`): the chosen entry's text, or nullopt for "done".
   virtual std::optional<std::string> ChooseFromList(std::string_view title,
                                                     const std::vector<std::string>& items) = 0;
+
+  /// The split size chooser (`frmsplittam`), modal: the size in megabits accepted with OK
+  /// (`chooser.Accept()`; a refusal is shown critical and the chooser stays open), 0 on
+  /// Cancel.
+  virtual int ChooseSplitSize(SplitSizeChooser& chooser) = 0;
 
   /// Progress of long work (`frmPorcento`, titled "Progress" unless the caption changes).
   virtual void BeginProgress(std::string_view caption) = 0;

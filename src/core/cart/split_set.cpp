@@ -8,8 +8,14 @@
 namespace romsteward {
 
 std::string SplitVolumeStem(std::string_view name) {
+  // Only the file name's own point counts: "/roms.d/GAME" has no extension to cut.
+  constexpr std::string_view kSeparators =
+      std::filesystem::path::preferred_separator == '\\' ? "\\/" : "/";
+  const auto nameStart = name.find_last_of(kSeparators);
   const auto dot = name.rfind('.');
-  return std::string(dot == std::string_view::npos ? name : name.substr(0, dot + 1));
+  const bool inName =
+      dot != std::string_view::npos && (nameStart == std::string_view::npos || dot > nameStart);
+  return std::string(inName ? name.substr(0, dot + 1) : name);
 }
 
 std::string SplitVolumeName(std::string_view stem, int number) {

@@ -7,7 +7,8 @@
 
 namespace romsteward {
 
-/// "game." for "game.1": the name up to and including its last ".".
+/// "game." for "game.1": the name up to and including its last ".". A point in a folder
+/// name does not count; a file name without one is returned whole.
 std::string SplitVolumeStem(std::string_view name);
 /// stem + n.
 std::string SplitVolumeName(std::string_view stem, int number);

@@ -14,7 +14,8 @@ namespace romsteward {
 namespace {
 
 Error ErrnoError(std::string_view what, const std::filesystem::path& path) {
-  return Error{std::string(what) + " " + PathToUtf8(path) + ": " + std::strerror(errno)};
+  const int number = errno;
+  return Error{std::string(what) + " " + PathToUtf8(path) + ": " + std::strerror(number), number};
 }
 
 }  // namespace

@@ -9,6 +9,7 @@ namespace romsteward {
 /// An expected failure: what went wrong, in words fit to show the user.
 struct Error {
   std::string message;
+  int systemError = 0;  ///< the errno behind it, when the system reported one
 };
 
 /// Either a value or an Error. Expected failures travel as values, never as exceptions.
