@@ -89,6 +89,8 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddConvertCommand(app, context);
   AddDemoCommand(app, context);
   AddSettingsCommand(app, context);
+  AddListCommand(app, context);
+  AddReportCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

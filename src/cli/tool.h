@@ -88,5 +88,7 @@ void AddInfoCommand(CLI::App& app, ToolContext& context);
 void AddConvertCommand(CLI::App& app, ToolContext& context);
 void AddDemoCommand(CLI::App& app, ToolContext& context);
 void AddSettingsCommand(CLI::App& app, ToolContext& context);
+void AddListCommand(CLI::App& app, ToolContext& context);
+void AddReportCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli
