@@ -23,6 +23,12 @@ TempDir::~TempDir() {
   std::filesystem::remove_all(m_path, ignored);
 }
 
+std::filesystem::path TempDir::Write(std::string_view name, std::string_view contents) const {
+  const std::filesystem::path path = m_path / name;
+  WriteTestFile(path, contents);
+  return path;
+}
+
 void WriteTestFile(const std::filesystem::path& path, std::string_view contents) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out.write(contents.data(), static_cast<std::streamsize>(contents.size()));

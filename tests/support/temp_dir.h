@@ -20,6 +20,9 @@ public:
   const std::filesystem::path& Path() const { return m_path; }
   std::filesystem::path operator/(std::string_view name) const { return m_path / name; }
 
+  /// Writes `contents` as the file `name` inside the directory and returns its path.
+  std::filesystem::path Write(std::string_view name, std::string_view contents) const;
+
 private:
   std::filesystem::path m_path;
 };

@@ -51,8 +51,9 @@ std::string DecodeIoDevices(std::string_view field) {
 }
 
 std::string DecodeCountries(std::string_view field) {
+  const std::string withoutNuls = RemoveNuls(field);  // outlives the loop over its view
   std::string result;
-  for (char c : TrimBlanks(RemoveNuls(field))) {
+  for (char c : TrimBlanks(withoutNuls)) {
     if (!result.empty() && result.back() != ',') result += ',';
     switch (ToUpperAscii(c)) {
       case 'J': result += "Japan"; break;

@@ -1,0 +1,78 @@
+#include <gtest/gtest.h>
+
+#include "core/cart/convert.h"
+#include "core/cart/detect.h"
+#include "core/cart/header.h"
+#include "core/cart/logical_io.h"
+#include "core/demo/cartridge_builder.h"
+#include "support/temp_dir.h"
+
+namespace romsteward {
+namespace {
+
+class LogicalIoTest : public ::testing::TestWithParam<Layout> {
+protected:
+  std::filesystem::path WriteImage(const std::string& logical) {
+    return m_dir.Write("image", EncodeImage(logical, GetParam()));
+  }
+  test::TempDir m_dir;
+};
+
+TEST_P(LogicalIoTest, HeaderReadsTheSameInEveryLayout) {
+  CartridgeSpec spec;
+  spec.size = 48 * 1024;
+  const std::string logical = BuildCartridgeImage(spec);
+  auto file = BinaryFile::Open(WriteImage(logical));
+  ASSERT_TRUE(file.ok());
+  EXPECT_TRUE(ReadHeaderBytes(*file, 0x100, 0x100) == logical.substr(0x100, 0x100));
+  // A range that crosses a 16 KiB block boundary.
+  EXPECT_EQ(ReadHeaderBytes(*file, 16380, 9), logical.substr(16380, 9));
+}
+
+TEST_P(LogicalIoTest, WritesLandWhereReadsFindThem) {
+  CartridgeSpec spec;
+  spec.size = 32 * 1024;
+  const std::string logical = BuildCartridgeImage(spec);
+  const auto path = WriteImage(logical);
+  {
+    auto file = BinaryFile::Open(path, BinaryFile::Mode::ReadWrite);
+    ASSERT_TRUE(
+        WriteHeaderBytes(std::string("\x12\x34\x00\xFF\x00", 5), *file, 0x18E, GetParam()).ok());
+    ASSERT_TRUE(WriteHeaderBytes("xyz", *file, 16383, GetParam()).ok());
+  }
+  std::string expected = logical;
+  expected.replace(0x18E, 5, std::string("\x12\x34\x00\xFF\x00", 5));
+  expected.replace(16383, 3, "xyz");
+  auto file = BinaryFile::Open(path);
+  // Compared as booleans: a mismatch of two images is unreadable when printed.
+  EXPECT_TRUE(ReadLogicalBytes(*file, GetParam(), 0, expected.size()) == expected);
+  auto whole = ReadLogicalImage(*file, GetParam());
+  ASSERT_TRUE(whole.ok()) << whole.error().message;
+  EXPECT_TRUE(*whole == expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Layouts, LogicalIoTest,
+                         ::testing::Values(Layout::Bin, Layout::Smd, Layout::Md),
+                         [](const auto& param) { return std::string(LayoutCode(param.param)); });
+
+TEST(LogicalIo, NoImageReadsEmptyAndIsNeverWritten) {
+  test::TempDir dir;
+  const std::string text(1024, 'x');
+  const auto path = dir.Write("notes.txt", text);
+  auto file = BinaryFile::Open(path, BinaryFile::Mode::ReadWrite);
+  EXPECT_EQ(ReadHeaderBytes(*file, 0x100, 16), "");
+  EXPECT_TRUE(WriteHeaderBytes("zz", *file, 0x18E, Layout::NoRom).ok());
+  EXPECT_EQ(test::ReadTestFile(path), text);
+  EXPECT_EQ(ReadCartridgeHeader(*file).countries, "NOT FOUND");
+}
+
+TEST(LogicalIo, BytesPastTheEndReadAsZero) {
+  test::TempDir dir;
+  std::string bytes(0x104, '\0');
+  bytes.replace(0x100, 4, "SEGA");
+  auto file = BinaryFile::Open(dir.Write("tiny.bin", bytes));
+  EXPECT_EQ(ReadHeaderBytes(*file, 0x102, 4), std::string("GA\0\0", 4));
+}
+
+}  // namespace
+}  // namespace romsteward

@@ -1,0 +1,65 @@
+#include <gtest/gtest.h>
+
+#include "core/common/atomic_file.h"
+#include "core/common/strings.h"
+#include "support/temp_dir.h"
+
+namespace romsteward {
+namespace {
+
+using namespace std::string_view_literals;
+
+TEST(Latin1FallbackToUtf8, KeepsValidUtf8AndReadsOtherBytesAsLatin1) {
+  EXPECT_EQ(Latin1FallbackToUtf8("plain"), "plain");
+  EXPECT_EQ(Latin1FallbackToUtf8("caf\xC3\xA9"), "caf\xC3\xA9");
+  EXPECT_EQ(Latin1FallbackToUtf8("\xE9t\xE9"), "\xC3\xA9t\xC3\xA9");
+  EXPECT_EQ(Latin1FallbackToUtf8("\xC3"), "\xC3\x83");               // cut sequence
+  EXPECT_EQ(Latin1FallbackToUtf8("\xC0\xAF"), "\xC3\x80\xC2\xAF");   // overlong form
+  EXPECT_EQ(Latin1FallbackToUtf8("\xED\xA0\x80"), "\xC3\xAD\xC2\xA0\xC2\x80");  // surrogate
+  EXPECT_EQ(Latin1FallbackToUtf8("a\0b"sv), "a\0b"sv);
+}
+
+TEST(EscapeForDisplay, ControlBytesAndBackslashBecomeHex) {
+  EXPECT_EQ(EscapeForDisplay("a\0b\x1F\\"sv), "a\\x00b\\x1F\\x5C");
+  EXPECT_EQ(EscapeForDisplay("\xFF"), "\xC3\xBF");
+}
+
+TEST(JoinDirName, OneSeparatorBetween) {
+  EXPECT_EQ(JoinDirName("/roms", "a.bin"), "/roms/a.bin");
+  EXPECT_EQ(JoinDirName("/roms/", "a.bin"), "/roms/a.bin");
+  EXPECT_EQ(JoinDirName("", "a.bin"), "/a.bin");
+}
+
+TEST(Numbers, LeadingDigitsAndNumericText) {
+  EXPECT_EQ(LeadingNumber("  81 1993"), 81);
+  EXPECT_EQ(LeadingNumber("SNK"), 0);
+  EXPECT_EQ(LeadingNumber("99999999999999999999999"), INT64_MAX);
+  EXPECT_TRUE(IsNumeric(" 1994 "));
+  EXPECT_TRUE(IsNumeric("-1.5"));
+  EXPECT_FALSE(IsNumeric("199X"));
+  EXPECT_FALSE(IsNumeric(""));
+  EXPECT_FALSE(IsNumeric("1.2.3"));
+  EXPECT_EQ(NumberToBytes(0x1234, 2), "\x12\x34");
+  EXPECT_EQ(BytesToNumber(NumberToBytes(0xBEEF00, 3)), 0xBEEF00u);
+}
+
+TEST(AtomicFile, CommitReplacesAndDroppingLeavesNothing) {
+  test::TempDir dir;
+  const auto target = dir.Write("out.bin", "old");
+  {
+    auto writer = AtomicFileWriter::Create(target);
+    ASSERT_TRUE(writer.ok());
+    ASSERT_TRUE(writer->Write("half").ok());
+  }  // dropped without Commit
+  EXPECT_EQ(test::ReadTestFile(target), "old");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 1);
+
+  ASSERT_TRUE(WriteFileAtomically(target, "new").ok());
+  EXPECT_EQ(test::ReadTestFile(target), "new");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()), {}), 1);
+
+  EXPECT_FALSE(WriteFileAtomically(dir / "missing" / "x", "data").ok());
+}
+
+}  // namespace
+}  // namespace romsteward

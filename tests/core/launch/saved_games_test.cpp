@@ -1,0 +1,73 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/launch/saved_games.h"
+#include "support/temp_dir.h"
+
+namespace romsteward {
+namespace {
+
+using ::testing::ElementsAre;
+
+class SavedGamesTest : public ::testing::Test {
+protected:
+  void SetUp() override {
+    std::filesystem::create_directories(m_dir / "roms");
+    std::filesystem::create_directories(m_dir / "kgen");
+    m_rom = m_dir.Write("roms/Sunset Rider.bin", "rom");
+    m_kgen = (m_dir / "kgen" / "kgen.exe").string();
+  }
+  void Touch(const std::string& name) { m_dir.Write(name, "save"); }
+
+  test::TempDir m_dir;
+  std::filesystem::path m_rom;
+  std::string m_kgen;
+};
+
+TEST_F(SavedGamesTest, NothingFoundShowsTheSingleEntry) {
+  Touch("roms/Other.gsv");
+  EXPECT_THAT(JogosSalvos(m_rom, m_kgen), ElementsAre("No saved games"));
+  EXPECT_THAT(JogosSalvos(m_rom, ""), ElementsAre("No saved games"));  // no KGen path set
+}
+
+TEST_F(SavedGamesTest, EveryKindInTableOrderWithHeadingsOnlyForSnapshots) {
+  Touch("roms/Sunset Rider.GSV");  // names match without regard to case
+  Touch("roms/Sunset Rider.gs1");
+  Touch("roms/Sunset Rider.gs0");
+  Touch("roms/Sunset Rider.sav");
+  Touch("kgen/Sunset Rider.ksb");
+  Touch("kgen/SunsX.kss");         // other prefix: not this game's
+  Touch("kgen/sunset2.kss");       // same first five letters: listed, as KGen names them
+  Touch("kgen/Sunset Rider.kss");
+  EXPECT_THAT(JogosSalvos(m_rom, m_kgen),
+              ElementsAre("Genecyst State", "Genecyst Snapshots:", " - Sunset Rider.gs0",
+                          " - Sunset Rider.gs1", "GenEm State", "KGen State", "KGen Snapshots:",
+                          " - Sunset Rider.kss", " - sunset2.kss"));
+}
+
+TEST_F(SavedGamesTest, ShortBaseNamesUseTheWholeNameForKGenSnapshots) {
+  const auto rom = m_dir.Write("roms/Ax.md", "rom");
+  Touch("kgen/Ax.kss");
+  Touch("kgen/Ax9.kss");
+  Touch("kgen/Axe.ksb");
+  EXPECT_THAT(JogosSalvos(rom, m_kgen),
+              ElementsAre("KGen Snapshots:", " - Ax.kss", " - Ax9.kss"));
+}
+
+TEST_F(SavedGamesTest, EntriesResolveToTheirFilesAndHeadingsAreRefused) {
+  Touch("roms/Sunset Rider.gs2");
+  Touch("kgen/Sunse.kss");
+  Touch("roms/Sunset Rider.sav");
+  const auto entries = JogosSalvos(m_rom, m_kgen);
+  ASSERT_THAT(entries, ElementsAre("Genecyst Snapshots:", " - Sunset Rider.gs2", "GenEm State",
+                                   "KGen Snapshots:", " - Sunse.kss"));
+  EXPECT_EQ(SavedGameFile(entries, 0, m_rom, m_kgen).error().message,
+            "You can't Delete a file type");
+  EXPECT_EQ(*SavedGameFile(entries, 1, m_rom, m_kgen), m_dir / "roms" / "Sunset Rider.gs2");
+  EXPECT_EQ(*SavedGameFile(entries, 2, m_rom, m_kgen), m_dir / "roms" / "Sunset Rider.sav");
+  EXPECT_FALSE(SavedGameFile(entries, 3, m_rom, m_kgen).ok());
+  EXPECT_EQ(*SavedGameFile(entries, 4, m_rom, m_kgen), m_dir / "kgen" / "Sunse.kss");
+}
+
+}  // namespace
+}  // namespace romsteward
