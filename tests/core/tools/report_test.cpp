@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "core/cart/header.h"
-#include "core/common/strings.h"
 #include "core/launch/zip_archive.h"
 #include "core/tools/report_form.h"
 #include "support/place_fixture.h"
@@ -16,26 +15,26 @@ using ::testing::IsEmpty;
 
 class ReportTest : public test::PlaceTest {
 protected:
-  // Three images of 2, 4 and 2 Mbit and a file that is no image, as an "All files" list.
+  // Images of 2, 4 and 2 Mbit and a file that is no image, as an "All files" list.
   RomListSource Collection() {
     const std::string dir = MakeDir("roms");
     CartridgeSpec big;
     big.size = 512 * 1024;
     big.domesticName = "KONNICHIWA";
     big.overseasName = "HELLO";
-    WriteImage(dir, "a.bin", Layout::Bin);
-    WriteImage(dir, "b.smd", Layout::Smd, big);
-    test::WriteTestFile(Utf8ToPath(JoinDirName(dir, "notes.txt")), "no image");
-    WriteImage(dir, "c.md", Layout::Md);
+    Put(dir, "a.bin", ImageBytes(Layout::Bin));
+    Put(dir, "b.smd", ImageBytes(Layout::Smd, big));
+    Put(dir, "notes.txt", "no image");
+    Put(dir, "c.md", ImageBytes(Layout::Md));
     return {dir, false, {"a.bin", "b.smd", "notes.txt", "c.md"}};
   }
-  // Runs the create button with `text` and returns what was written.
+  // The create button with `text`; what the output file then holds.
   std::string Create(std::string_view text, const RomListSource& source) {
     form.SetText(std::string(text));
-    const std::string output = PathToUtf8(PathOf("romlist.txt"));
-    host.AnswerSaveFile(output);
-    form.CreateList(host, Settings(), source);
-    return std::filesystem::exists(PathOf("romlist.txt"))
+    host.AnswerSaveFile(PathToUtf8(PathOf("romlist.txt")));
+    form.CreateList(host, settings, source);
+    std::error_code error;
+    return std::filesystem::exists(PathOf("romlist.txt"), error)
                ? test::ReadTestFile(PathOf("romlist.txt"))
                : std::string();
   }
@@ -49,8 +48,7 @@ TEST_F(ReportTest, ABlockOfTheFileNameGivesOneNamePerLine) {
   const test::HostEvent dialog = host.EventsOf(test::PromptKind::SaveFile).at(0);
   EXPECT_EQ(dialog.title, "Select list file");
   EXPECT_EQ(dialog.dialog.initialName, "romlist.txt");
-  ASSERT_EQ(dialog.dialog.filters.size(), 1u);
-  EXPECT_EQ(dialog.dialog.filters[0].patterns, "*.txt;*.html");
+  EXPECT_EQ(dialog.dialog.filters.at(0).patterns, "*.txt;*.html");
   EXPECT_EQ(host.ProgressReports().back(), 100);
 }
 
@@ -68,126 +66,88 @@ TEST_F(ReportTest, SizesAreOnlyReadWhenTheTemplateAsksForCountries) {
 }
 
 TEST_F(ReportTest, TheDefaultTemplateReportsEveryField) {
-  const std::string dir = MakeDir("one");
   CartridgeSpec spec;
   spec.backupRam = true;
   std::string image = ImageBytes(Layout::Bin, spec);
-  image[0x18E] = 0x0A;  // the checksum shown with its leading zero
-  image[0x18F] = 0x5F;
-  test::WriteTestFile(Utf8ToPath(JoinDirName(dir, "game.bin")), image);
-
-  const std::string maker = DecodeMakerDate(spec.makerDate);
+  image.replace(0x18E, 2, "\x0A\x5F");  // the checksum shown with its leading zero
+  const std::string dir = MakeDir("one");
+  Put(dir, "game.bin", image);
   EXPECT_EQ(Create(kDefaultReportTemplate, {dir, false, {"game.bin"}}),
-            "     MY ROM LIST\r\n\r\n"
-            "\r\n\r\n"
-            "FILE: game.bin\r\n"
+            "     MY ROM LIST\r\n\r\n\r\n\r\nFILE: game.bin\r\n"
             "FILE TYPE: Super Magic Drive Binary (BIN)\r\n"
             "GAME (overseas): DEMO CARTRIDGE   SIZE: 2 Meg\r\n"
             "GAME (domestic): DEMO CARTRIDGE   RAM: Yes\r\n"
             "COPYRIGHT: " +
-                maker +
+                DecodeMakerDate(spec.makerDate) +
                 "\r\n"
-                "DEVELOPED FOR: Japan,USA,Europe\r\n"
-                "SUPPORTS: Joypad\r\n"
-                "CHECKSUM: 0A5F\r\n"
-                "ROMS SO FAR: 1\r\n"
-                "PARTIAL TOTAL SIZE: 2.00 Meg\r\n"
-                "\r\n\r\n" +
-                std::string(56, '-') +
-                "\r\n"
-                "NUMBER OF ROMS:  1\r\n"
-                "TOTAL SIZE: 2.00 Meg\r\n");
+                "DEVELOPED FOR: Japan,USA,Europe\r\nSUPPORTS: Joypad\r\nCHECKSUM: 0A5F\r\n"
+                "ROMS SO FAR: 1\r\nPARTIAL TOTAL SIZE: 2.00 Meg\r\n\r\n\r\n" +
+                std::string(56, '-') + "\r\nNUMBER OF ROMS:  1\r\nTOTAL SIZE: 2.00 Meg\r\n");
 }
 
-TEST_F(ReportTest, TemplateErrorsStopBeforeAnyFileIsTouched) {
-  const RomListSource source = Collection();
-  form.SetText("no begin");
-  form.CreateList(host, Settings(), source);
-  form.SetText("-BOL- but no end");
-  form.CreateList(host, Settings(), source);
-  EXPECT_THAT(host.Texts(), ElementsAre("Expected: Begin of list", "Expected: End of list"));
-  EXPECT_THAT(host.EventsOf(test::PromptKind::SaveFile), IsEmpty());
-
-  // A cancelled output dialog ends quietly.
-  form.SetText("-BOL-%file%-EOL-");
-  host.AnswerSaveFile(std::nullopt);
-  form.CreateList(host, Settings(), source);
-  EXPECT_EQ(host.Texts().size(), 2u);
-}
-
-TEST_F(ReportTest, AnUnreadableImageEndsTheReportWithoutOutput) {
+TEST_F(ReportTest, ErrorsStopWithAMessageAndNoOutput) {
   RomListSource source = Collection();
+  for (const char* text : {"no begin", "-BOL- but no end"}) {
+    form.SetText(text);
+    form.CreateList(host, settings, source);
+  }
+  EXPECT_THAT(host.EventsOf(test::PromptKind::SaveFile), IsEmpty());
   source.entries.push_back("vanished.bin");
   EXPECT_EQ(Create("-BOL-%file%-EOL-", source), "");
-  ASSERT_EQ(host.Texts().size(), 1u);
-  EXPECT_THAT(host.Texts()[0], HasSubstr("vanished.bin"));
+  EXPECT_THAT(host.Texts(), ElementsAre("Expected: Begin of list", "Expected: End of list",
+                                        HasSubstr("vanished.bin")));
 }
 
 TEST_F(ReportTest, TheOldRomNameOptionWarnsAndStillWorks) {
-  const RomListSource source = Collection();
+  const RomListSource source{Collection().place, false, {"b.smd", "%file%.bin"}};
+  Put(source.place, "%file%.bin", ImageBytes(Layout::Bin));
   form.ChooseRomName(host, RomNameChoice::Domestic);
   EXPECT_THAT(host.Texts(), ElementsAre(std::string(kRomNameWarning)));
-  EXPECT_EQ(Create("-BOL-%romname%;-EOL-", {source.place, false, {"b.smd"}}), "KONNICHIWA;");
+  // A name holding a placeholder goes in as it stands.
+  EXPECT_EQ(Create("-BOL-%romname% %file%;-EOL-", source),
+            "KONNICHIWA b.smd;DEMO CARTRIDGE %file%.bin;");
   form.ChooseRomName(host, RomNameChoice::Overseas);
-  // The list is written over the earlier one without emptying it, so its tail stays.
-  EXPECT_EQ(Create("-BOL-%romname%;-EOL-", {source.place, false, {"b.smd"}}), "HELLO;HIWA;");
-}
-
-TEST_F(ReportTest, ANameHoldingAPlaceholderIsPutInAsItIs) {
-  const std::string dir = MakeDir("odd");
-  WriteImage(dir, "%file%.bin", Layout::Bin);
-  EXPECT_EQ(Create("-BOL-[%file%]-EOL-", {dir, false, {"%file%.bin"}}), "[%file%.bin]");
+  // Written over the earlier list without emptying it first, so its tail stays.
+  EXPECT_EQ(Create("-BOL-%romname%;-EOL-", {source.place, false, {"b.smd"}}),
+            "HELLO;HIWA b.smd;DEMO CARTRIDGE %file%.bin;");
 }
 
 TEST_F(ReportTest, ArchiveMembersAreExtractedAndDeletedAfterwards) {
-  const std::string dir = MakeDir("zips");
-  const std::string zip = WriteZip(dir, "set.zip",
-                                   {{"one.bin", ImageBytes(Layout::Bin)},
-                                    {"two.smd", ImageBytes(Layout::Smd)},
-                                    {"readme.txt", "no image"}});
+  const std::string zip = Put(MakeDir("zips"), "set.zip",
+                              Zip({{"one.bin", ImageBytes(Layout::Bin)},
+                                   {"two.smd", ImageBytes(Layout::Smd)},
+                                   {"readme.txt", "no image"}}));
   const RomListSource source{zip, true, {"one.bin", "two.smd", "readme.txt"}};
-
-  form.SetText("-BOL-%file% -EOL-");
-  form.CreateList(host, Settings(), source);
+  form.CreateList(host, settings, source);
   EXPECT_THAT(host.Texts(), ElementsAre(std::string(kTempFolderMissing)));
 
   // A file of the user's own in the temporary folder is neither replaced nor deleted.
   const std::string temp = MakeDir("temp");
-  test::WriteTestFile(Utf8ToPath(JoinDirName(temp, "one.bin")), "the user's own file");
-  ASSERT_TRUE(Settings().SaveSetting(kSectionSettings, "temp", temp).ok());
+  Put(temp, "one.bin", "the user's own file");
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", temp).ok());
   EXPECT_EQ(Create("-BOL-%file% -EOL-", source), "one.bin two.smd ");
-  EXPECT_EQ(test::ReadTestFile(Utf8ToPath(JoinDirName(temp, "one.bin"))), "the user's own file");
-  std::vector<std::string> left;
-  for (const auto& entry : std::filesystem::directory_iterator(Utf8ToPath(temp)))
-    left.push_back(PathToUtf8(entry.path().filename()));
-  EXPECT_THAT(left, ElementsAre("one.bin"));
+  EXPECT_EQ(test::ReadTestFile(PathOf("temp/one.bin")), "the user's own file");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(PathOf("temp")), {}), 1);
 }
 
 TEST_F(ReportTest, ScriptsAreSavedOverOldFilesAndOpenedWhole) {
-  const std::string script = PathToUtf8(PathOf("list.rsc"));
-  test::WriteTestFile(PathOf("list.rsc"), "an old and much longer script text");
+  const std::string script = Put(MakeDir("s"), "list.rsc", "an old and much longer script");
   form.SetText("new");
   host.AnswerSaveFile(script);
   form.SaveScript(host);
-  // Written over the start without emptying the file first, as scripts always were.
-  EXPECT_EQ(test::ReadTestFile(PathOf("list.rsc")), "newold and much longer script text");
+  EXPECT_EQ(test::ReadTestFile(Utf8ToPath(script)), "newold and much longer script");
 
-  test::WriteTestFile(PathOf("other.rsc"), "-BOL-%file%\r\n-EOL-\r\n");
-  host.AnswerOpenFile(PathToUtf8(PathOf("other.rsc")));
+  host.AnswerOpenFile(Put(MakeDir("s"), "other.rsc", "-BOL-%file%\r\n-EOL-\r\n"));
   form.OpenScript(host);
-  EXPECT_EQ(form.Text(), "-BOL-%file%\r\n-EOL-\r\n");
-
   host.AnswerOpenFile(PathToUtf8(PathOf("missing.rsc")));
   form.OpenScript(host);
   EXPECT_EQ(form.Text(), "-BOL-%file%\r\n-EOL-\r\n");
   EXPECT_THAT(host.Texts(), ElementsAre(HasSubstr("missing.rsc")));
-
-  const auto save = host.EventsOf(test::PromptKind::SaveFile).at(0);
-  const auto open = host.EventsOf(test::PromptKind::OpenFile).at(0);
-  EXPECT_EQ(save.title, "Save Romsteward's script");
-  EXPECT_EQ(open.title, "Save Romsteward's script");
-  EXPECT_EQ(save.dialog.initialName, "*.rsc");
-  EXPECT_EQ(open.dialog.filters.at(0).description, "Romsteward Scripts");
+  for (const test::HostEvent& dialog : host.Events()) {
+    if (dialog.kind == test::PromptKind::Message) continue;
+    EXPECT_EQ(dialog.title, "Save Romsteward's script");
+    EXPECT_EQ(dialog.dialog.filters.at(0).description, "Romsteward Scripts");
+  }
 }
 
 }  // namespace
