@@ -95,6 +95,8 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddSplitCommand(app, context);
   AddJoinCommand(app, context);
   AddJoinFilesCommand(app, context);
+  AddListCommand(app, context);
+  AddReportCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

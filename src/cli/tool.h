@@ -94,5 +94,7 @@ void AddPatchCommand(CLI::App& app, ToolContext& context);
 void AddSplitCommand(CLI::App& app, ToolContext& context);
 void AddJoinCommand(CLI::App& app, ToolContext& context);
 void AddJoinFilesCommand(CLI::App& app, ToolContext& context);
+void AddListCommand(CLI::App& app, ToolContext& context);
+void AddReportCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli

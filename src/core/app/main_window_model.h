@@ -1,0 +1,113 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/app/window_controls.h"
+#include "core/library/rom_scan.h"
+#include "core/library/rom_sort.h"
+
+namespace romsteward {
+
+class AppSettings;
+class Host;
+
+enum class TextColour { Normal, Red, Blue };
+
+/// The texts of the main window, named after the controls that show them.
+struct WindowTexts {
+  std::string caption;     ///< the window's own caption
+  std::string txtFiles;    ///< "12 file(s)"
+  std::string txtarquivo;  ///< "Normal Archive", "Read-only archive", "ZIP file"
+  TextColour txtarquivoColour = TextColour::Normal;
+  std::string txtTipo;                   ///< the layout's display name
+  std::string txtbits;                   ///< "Size: 8 Mb"
+  std::string txtRAM;                    ///< "RAM: 8192 bytes"
+  std::vector<std::string> cmbSave;      ///< the saved games of the cartridge
+  std::vector<std::string> cmbCartLang;  ///< the country choices of the cartridge
+};
+
+inline constexpr std::string_view kNormalArchive = "Normal Archive";
+inline constexpr std::string_view kZipFileMarker = "ZIP file";
+inline constexpr std::string_view kSelectAFile = "Select a file!";
+
+/// The main window without a screen: the place (`Diret`), its list and selection, the
+/// texts and every menu item's caption, enabled and checked state, and the commands that
+/// change them. The desktop program draws this state and forwards clicks and keys to the
+/// commands; it decides nothing itself. Every question and message goes through the Host.
+class MainWindowModel {
+public:
+  MainWindowModel(Host& host, AppSettings& settings);
+
+  // Start-up.
+  /// Checks the "Sort ROMs by", "Show" and "Window's title" entries kept in `ordem`, `show`
+  /// and `title`.
+  void LoadListChoices();
+  /// Reads the history from `dir0` ... `dir4` and opens `dir0` when there is one.
+  void LoadDirHistory();
+
+  // The place.
+  const std::string& Diret() const { return m_diret; }
+  /// The validating setter: a directory or a ZIP archive becomes the place and is scanned;
+  /// anything else shows "Directory no longer exists" and changes nothing. True on success.
+  bool SetDiret(std::string_view path);
+  /// Whether the list shows the members of an archive.
+  bool IsZipListing() const;
+  /// Rescans the place (F5, the filter and sort menus), keeping the selection when it can.
+  void RefreshRomList();
+  /// Puts `path` on top of the Directory menu and saves the menu as `dir0` ... `dir4`.
+  void AddDirHistory(std::string_view path);
+
+  // Menu commands.
+  void OpenRomDirectory();  ///< "Open ROM Directory..."
+  void OpenZipDirectory();  ///< opening a ZIP archive as the place
+  void ChooseDirHistory(int index);
+  void ChooseFilter(ListFilter filter);
+  void ChooseSort(SortOrder order);
+  /// "Window's title": the radio change only; the caption follows at the next selection.
+  void ChooseTitle(int index);
+  void SetTemporaryDirectory();  ///< "Set temporary directory..."
+
+  ListFilter Filter() const;
+  SortOrder Order() const;
+
+  // The list.
+  const std::vector<std::string>& Entries() const { return m_entries; }
+  std::optional<std::size_t> Selection() const { return m_selection; }
+  /// The selected entry's text, empty when nothing is selected.
+  std::string SelectedText() const;
+  /// A click, a key or a right click on the list: selects and brings the panel in line.
+  void Select(std::optional<std::size_t> index);
+  /// Shows the selected entry unless it is the one shown last.
+  void SyncSelection();
+  /// The tooltip for the row under the pointer: the entry's full name, empty one past the
+  /// end and outside the list.
+  std::string TooltipForRow(long row) const;
+  /// The name the panel last showed; empty after a change of place.
+  const std::string& CurrentFileName() const { return m_currentFileName; }
+
+  // What the window shows.
+  const WindowTexts& Texts() const { return m_texts; }
+  const WindowControls& Controls() const { return m_controls; }
+  /// The top menus and the items that need a selected file, all on or all off.
+  void EnableFileMenus(bool enabled);
+
+private:
+  void ShowRomInfo();
+  void FillFromDirectory();
+  void FillFromZip();
+  void SaveDirHistory();
+
+  Host& m_host;
+  AppSettings& m_settings;
+  std::string m_diret;
+  std::vector<std::string> m_entries;
+  std::optional<std::size_t> m_selection;
+  std::string m_currentFileName;
+  WindowTexts m_texts;
+  WindowControls m_controls;
+};
+
+}  // namespace romsteward

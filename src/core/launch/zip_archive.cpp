@@ -1,0 +1,291 @@
+#include "core/launch/zip_archive.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <algorithm>
+#include <memory>
+#include <system_error>
+
+#include "core/app/app_title.h"
+#include "core/app/host.h"
+#include "core/common/atomic_file.h"
+#include "core/common/binary_file.h"
+#include "core/common/strings.h"
+#include "core/common/wildcard.h"
+
+namespace romsteward {
+
+namespace {
+
+using ArchivePtr = std::unique_ptr<archive, decltype(&archive_read_free)>;
+
+bool StartsWithBytes(const std::filesystem::path& path, std::string_view bytes) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(path, error)) return false;
+  auto file = BinaryFile::Open(path);
+  return file && file->ReadAt(0, bytes.size()) == bytes;
+}
+
+Result<ArchivePtr> OpenZip(const std::filesystem::path& path) {
+  ArchivePtr reader(archive_read_new(), &archive_read_free);
+  if (!reader) return Error{"Out of memory opening " + PathToUtf8(path)};
+  // Both ZIP readers: the one that trusts the central directory, and the streaming one that
+  // still reads an archive whose directory at the end was cut off.
+  archive_read_support_format_zip(reader.get());
+  if (archive_read_open_filename(reader.get(), path.c_str(), 64 * 1024) != ARCHIVE_OK) {
+    const char* why = archive_error_string(reader.get());
+    return Error{"Cannot read the ZIP archive " + PathToUtf8(path) + ": " +
+                 (why ? why : "unknown error")};
+  }
+  return reader;
+}
+
+std::string ErrorText(archive* reader) {
+  const char* why = archive_error_string(reader);
+  return why ? why : "unknown error";
+}
+
+std::string MemberName(archive_entry* entry) {
+  if (const char* utf8 = archive_entry_pathname_utf8(entry)) return utf8;
+  if (const char* raw = archive_entry_pathname(entry)) return raw;
+  return {};
+}
+
+bool IsLink(archive_entry* entry) {
+  return archive_entry_filetype(entry) == AE_IFLNK || archive_entry_hardlink(entry) != nullptr ||
+         archive_entry_symlink(entry) != nullptr;
+}
+
+std::vector<std::string> SplitMemberName(std::string_view name) {
+  std::vector<std::string> parts;
+  std::size_t start = 0;
+  for (std::size_t i = 0; i <= name.size(); ++i) {
+    if (i == name.size() || name[i] == '/' || name[i] == '\\') {
+      if (i > start) parts.emplace_back(name.substr(start, i - start));
+      start = i + 1;
+    }
+  }
+  return parts;
+}
+
+// The folders of a member's name, created below `folder` as needed. A step that exists as
+// anything but a real folder (a link above all) stops the extraction, so no link planted
+// in the temporary folder can carry a write elsewhere.
+Result<std::filesystem::path> PrepareTarget(const std::filesystem::path& folder,
+                                            std::string_view member) {
+  const std::vector<std::string> parts = SplitMemberName(member);
+  std::filesystem::path at = folder;
+  for (std::size_t i = 0; i + 1 < parts.size(); ++i) {
+    at /= Utf8ToPath(parts[i]);
+    std::error_code error;
+    const auto status = std::filesystem::symlink_status(at, error);
+    if (status.type() == std::filesystem::file_type::not_found) {
+      if (!std::filesystem::create_directory(at, error) && error)
+        return Error{"Cannot create the folder " + PathToUtf8(at) + ": " + error.message()};
+    } else if (status.type() != std::filesystem::file_type::directory) {
+      return Error{"Cannot extract " + std::string(member) + ": " + PathToUtf8(at) +
+                   " is in the way and is no folder"};
+    }
+  }
+  at /= Utf8ToPath(parts.back());
+  std::error_code error;
+  if (std::filesystem::symlink_status(at, error).type() == std::filesystem::file_type::directory)
+    return Error{"Cannot extract " + std::string(member) + ": a folder of that name is in the way"};
+  return at;
+}
+
+std::string LimitText(std::uint64_t limit) {
+  return limit % (1024 * 1024) == 0 ? std::to_string(limit / (1024 * 1024)) + " MiB"
+                                    : std::to_string(limit) + " bytes";
+}
+
+Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view member,
+                      const std::filesystem::path& target, std::uint64_t sizeLimit) {
+  const std::string quoted = "The ZIP member \"" + std::string(member) + "\"";
+  const bool sizeKnown = archive_entry_size_is_set(entry) != 0;
+  const auto claimed =
+      static_cast<std::uint64_t>(std::max<la_int64_t>(0, archive_entry_size(entry)));
+  if (sizeKnown && claimed > sizeLimit)
+    return Error{quoted + " is larger than " + LimitText(sizeLimit) + " and is not extracted."};
+
+  auto writer = AtomicFileWriter::Create(target);
+  if (!writer) return writer.error();
+  std::uint64_t held = 0;
+  std::string buffer(64 * 1024, '\0');
+  while (true) {
+    const la_ssize_t got = archive_read_data(reader, buffer.data(), buffer.size());
+    if (got == 0) break;
+    if (got < 0) return Error{quoted + " cannot be read: " + ErrorText(reader)};
+    held += static_cast<std::uint64_t>(got);
+    // Counted as it comes, whatever the archive claims: a bomb stops here.
+    if (held > sizeLimit)
+      return Error{quoted + " unpacks to more than " + LimitText(sizeLimit) +
+                   " and is not extracted."};
+    if (Status written =
+            writer->Write(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
+        !written)
+      return written;
+  }
+  if (sizeKnown && held != claimed)
+    return Error{quoted + " is damaged: the archive claims " + std::to_string(claimed) +
+                 " bytes for it, but it holds " + std::to_string(held) + "."};
+  return writer->Commit();
+}
+
+}  // namespace
+
+bool IsZipFile(const std::filesystem::path& path) {
+  return StartsWithBytes(path, "PK");
+}
+
+bool HasZipSignature(const std::filesystem::path& path) {
+  return StartsWithBytes(path, std::string_view("PK\x03\x04", 4));
+}
+
+Result<ZipListing> ListZipEntries(const std::filesystem::path& path, std::string_view masks) {
+  auto reader = OpenZip(path);
+  if (!reader) {
+    // A file that opens but is no readable archive at all is simply all damage.
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) return reader.error();
+    return ZipListing{{}, reader.error().message};
+  }
+  ZipListing listing;
+  archive_entry* entry = nullptr;
+  while (true) {
+    const int status = archive_read_next_header(reader->get(), &entry);
+    if (status == ARCHIVE_EOF) break;
+    if (status < ARCHIVE_WARN) {
+      listing.damage = ErrorText(reader->get());
+      break;
+    }
+    const std::string name = MemberName(entry);
+    if (archive_entry_filetype(entry) == AE_IFREG && !IsLink(entry) && !name.empty() &&
+        name.back() != '/' && MatchesAnyMask(name, masks))
+      listing.names.push_back(name);
+    if (archive_read_data_skip(reader->get()) < ARCHIVE_WARN) {
+      listing.damage = ErrorText(reader->get());
+      break;
+    }
+  }
+  return listing;
+}
+
+std::string UnsafeMemberNameReason(std::string_view name) {
+  if (name.empty()) return "it has no name";
+  if (name.find('\0') != std::string_view::npos) return "its name holds a NUL byte";
+  if (name.front() == '/' || name.front() == '\\' || (name.size() >= 2 && name[1] == ':'))
+    return "its name is an absolute path";
+  for (const std::string& part : SplitMemberName(name)) {
+    if (part == "..") return "its name leads out of the folder it is extracted to";
+  }
+  if (name.back() == '/' || name.back() == '\\') return "it is a folder";
+  return {};
+}
+
+Result<std::vector<std::filesystem::path>> ExtractZipMembers(const std::filesystem::path& path,
+                                                             std::span<const std::string> members,
+                                                             const std::filesystem::path& folder,
+                                                             std::uint64_t sizeLimit) {
+  for (const std::string& member : members) {
+    if (std::string why = UnsafeMemberNameReason(member); !why.empty())
+      return Error{"The ZIP member \"" + member + "\" is refused: " + why + "."};
+  }
+  std::error_code error;
+  if (!std::filesystem::is_directory(folder, error))
+    return Error{"Cannot extract into " + PathToUtf8(folder) + ": it is no folder"};
+
+  auto reader = OpenZip(path);
+  if (!reader) return reader.error();
+  std::vector<std::filesystem::path> extracted(members.size());
+  std::vector<bool> done(members.size(), false);
+  std::size_t remaining = members.size();
+  archive_entry* entry = nullptr;
+  while (remaining > 0) {
+    const int status = archive_read_next_header(reader->get(), &entry);
+    if (status == ARCHIVE_EOF) break;
+    if (status < ARCHIVE_WARN)
+      return Error{"The ZIP archive " + PathToUtf8(path) +
+                   " is damaged: " + ErrorText(reader->get())};
+    const std::string name = MemberName(entry);
+    for (std::size_t i = 0; i < members.size(); ++i) {
+      if (done[i] || members[i] != name) continue;
+      if (IsLink(entry) || archive_entry_filetype(entry) != AE_IFREG)
+        return Error{"The ZIP member \"" + name + "\" is refused: it is a link or no file."};
+      auto target = PrepareTarget(folder, name);
+      if (!target) return target.error();
+      if (Status written = ExtractCurrent(reader->get(), entry, name, *target, sizeLimit); !written)
+        return written.error();
+      extracted[i] = std::move(*target);
+      done[i] = true;
+      --remaining;
+      // The same name asked twice is the same file: it is only read once.
+      for (std::size_t j = i + 1; j < members.size(); ++j) {
+        if (!done[j] && members[j] == name) {
+          extracted[j] = extracted[i];
+          done[j] = true;
+          --remaining;
+        }
+      }
+      break;
+    }
+  }
+  for (std::size_t i = 0; i < members.size(); ++i) {
+    if (!done[i])
+      return Error{"The ZIP archive " + PathToUtf8(path) + " holds no member \"" + members[i] +
+                   "\"."};
+  }
+  return extracted;
+}
+
+Result<std::filesystem::path> ExtractZipMember(const std::filesystem::path& archive,
+                                               std::string_view member,
+                                               const std::filesystem::path& folder,
+                                               std::uint64_t sizeLimit) {
+  const std::string names[] = {std::string(member)};
+  auto extracted = ExtractZipMembers(archive, names, folder, sizeLimit);
+  if (!extracted) return extracted.error();
+  return std::move(extracted->front());
+}
+
+Status RemoveExtractedMember(const std::filesystem::path& folder, std::string_view member) {
+  if (!UnsafeMemberNameReason(member).empty())
+    return Error{"Cannot delete \"" + std::string(member) + "\" from the temporary folder"};
+  std::vector<std::string> parts = SplitMemberName(member);
+  std::filesystem::path at = folder;
+  for (const std::string& part : parts)
+    at /= Utf8ToPath(part);
+  std::error_code error;
+  // Old copies may have been made read-only; write permission on the folder is what counts
+  // here, so the file's own mode needs no change.
+  if (!std::filesystem::remove(at, error) && error)
+    return Error{"Cannot delete " + PathToUtf8(at) + ": " + error.message()};
+  while (parts.size() > 1) {
+    parts.pop_back();
+    std::filesystem::path dir = folder;
+    for (const std::string& part : parts)
+      dir /= Utf8ToPath(part);
+    if (!std::filesystem::is_empty(dir, error) || error) break;
+    std::filesystem::remove(dir, error);
+  }
+  return {};
+}
+
+bool IsArchiveLibraryVersionAcceptable(int versionNumber) {
+  return versionNumber >= kMinimumArchiveLibraryVersion;
+}
+
+void CheckArchiveLibraryVersion(Host& host) {
+  CheckArchiveLibraryVersion(host, archive_version_number());
+}
+
+void CheckArchiveLibraryVersion(Host& host, int versionNumber) {
+  if (IsArchiveLibraryVersionAcceptable(versionNumber)) return;
+  host.ShowMessage(
+      "The unzipping dlls found in your system are outdated. Get the latest version in "
+      "info-ZIP or Romsteward's homepage (read docs)",
+      MessageIcon::Exclamation, kAppTitle);
+}
+
+}  // namespace romsteward

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/common/result.h"
+
+namespace romsteward {
+
+class Host;
+
+/// The oldest libarchive trusted with archives from strangers: 3.6.2 fixed the last of the
+/// ZIP and RAR reader flaws known when this was written. Encoded as archive_version_number().
+inline constexpr int kMinimumArchiveLibraryVersion = 3006002;
+/// No member larger than this is ever extracted: no cartridge comes near it, and it bounds
+/// what a ZIP bomb can do to the temporary folder.
+inline constexpr std::uint64_t kMaxZipMemberSize = 64ull * 1024 * 1024;
+
+/// Masks of the ROM files a listing shows when not every file is wanted.
+inline constexpr std::string_view kRomMasks = "*.bin;*.smd;*.md;*.1";
+inline constexpr std::string_view kAllFilesMask = "*.*";
+
+inline constexpr std::string_view kTempFolderMissing =
+    "You must set a temporary folder (in 'Options' menu) in order to use ZIP files!";
+
+/// Whether the file starts with "PK": enough for a place to be taken as an archive.
+bool IsZipFile(const std::filesystem::path& path);
+/// Whether the file starts with a ZIP local-file-header signature ("PK", 3, 4).
+bool HasZipSignature(const std::filesystem::path& path);
+
+/// What a look into an archive found.
+struct ZipListing {
+  /// The regular-file members matching the masks, in archive order, names as stored.
+  std::vector<std::string> names;
+  /// Empty when the whole archive could be read; otherwise why the rest could not, the
+  /// members before the damage being listed.
+  std::string damage;
+};
+
+/// The members of `archive` matching any of `masks` (joined by ";"), folders and links left
+/// out. Fails only when the file cannot be opened at all.
+Result<ZipListing> ListZipEntries(const std::filesystem::path& archive, std::string_view masks);
+
+/// Why a member name cannot be extracted safely (absolute, a drive, a ".." step, empty), or
+/// an empty text when it can.
+std::string UnsafeMemberNameReason(std::string_view name);
+
+/// Extracts the members named exactly as listed into `folder` (which must exist), replacing
+/// files of the same names there, and returns their paths in the order given. A member that
+/// is missing, a link, unsafely named, larger than kMaxZipMemberSize, or whose data does not
+/// match what the archive claims is refused with a message naming it; each file appears
+/// whole or not at all, and nothing is ever written outside `folder`. `sizeLimit` is
+/// lowered only by tests.
+Result<std::vector<std::filesystem::path>> ExtractZipMembers(
+    const std::filesystem::path& archive, std::span<const std::string> members,
+    const std::filesystem::path& folder, std::uint64_t sizeLimit = kMaxZipMemberSize);
+Result<std::filesystem::path> ExtractZipMember(const std::filesystem::path& archive,
+                                               std::string_view member,
+                                               const std::filesystem::path& folder,
+                                               std::uint64_t sizeLimit = kMaxZipMemberSize);
+
+/// Deletes a member extracted into `folder`, and the folders its name created below
+/// `folder` when they are left empty.
+Status RemoveExtractedMember(const std::filesystem::path& folder, std::string_view member);
+
+/// Whether the archive library of `versionNumber` (archive_version_number()) is recent
+/// enough.
+bool IsArchiveLibraryVersionAcceptable(int versionNumber);
+/// The start-up check of the linked archive library: tells the user when it is outdated.
+void CheckArchiveLibraryVersion(Host& host);
+void CheckArchiveLibraryVersion(Host& host, int versionNumber);
+
+}  // namespace romsteward

@@ -1,0 +1,156 @@
+#include "core/launch/zip_archive.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/demo/demo_collection.h"
+#include "support/scripted_host.h"
+#include "support/temp_dir.h"
+
+namespace romsteward {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class ZipArchiveTest : public test::TempDirTest {
+protected:
+  ZipArchiveTest() { std::filesystem::create_directories(folder); }
+
+  std::filesystem::path Archive(const std::string& bytes, std::string_view name = "a.zip") {
+    test::WriteTestFile(PathOf(name), bytes);
+    return PathOf(name);
+  }
+  static std::string Zip(const std::vector<std::pair<std::string, std::string>>& members) {
+    auto zip = BuildZipArchive(members);
+    return zip ? *zip : std::string();
+  }
+  // The archive with a 4-byte field of its first member's headers set to `value`: `local` in
+  // the local header, `central` in the central directory (-1 leaves one alone).
+  static std::string Patch(std::string zip, int local, int central, std::uint32_t value) {
+    std::string bytes;
+    for (int i = 0; i < 4; ++i)
+      bytes += static_cast<char>(value >> (8 * i));
+    if (local >= 0) zip.replace(zip.find("PK\x03\x04") + local, 4, bytes);
+    if (central >= 0) zip.replace(zip.find("PK\x01\x02") + central, 4, bytes);
+    return zip;
+  }
+  static std::string Link(std::string zip) { return Patch(std::move(zip), -1, 38, 0120777u << 16); }
+  static std::string Claim(std::string zip, std::uint32_t size) {
+    return Patch(std::move(zip), 22, 24, size);
+  }
+  const std::filesystem::path folder = PathOf("deep/temp");
+};
+
+TEST_F(ZipArchiveTest, RecognisesArchivesByTheirFirstBytes) {
+  const auto real = Archive(Zip({{"a.bin", "x"}}));
+  const auto onlyPk = Archive("PKjunk", "pk.zip");
+  EXPECT_TRUE(IsZipFile(real) && HasZipSignature(real));
+  EXPECT_TRUE(IsZipFile(onlyPk));
+  EXPECT_FALSE(HasZipSignature(onlyPk));
+  EXPECT_FALSE(IsZipFile(Archive("not an archive", "text.zip")));
+  EXPECT_FALSE(IsZipFile(Dir()) || IsZipFile(PathOf("missing.zip")));
+}
+
+TEST_F(ZipArchiveTest, ListsMatchingPlainFilesInArchiveOrder) {
+  const auto path = Archive(Zip({{"b.SMD", "1"},
+                                 {"notes.txt", "2"},
+                                 {"sub/", ""},
+                                 {"sub/c.md", "4"},
+                                 {"game.2", "5"},
+                                 {"game.1", "6"}}));
+  const auto link = Archive(Link(Zip({{"link.bin", "/etc/passwd"}, {"d.bin", "7"}})), "l.zip");
+  auto roms = ListZipEntries(path, kRomMasks);
+  ASSERT_TRUE(roms.ok()) << roms.error().message;
+  EXPECT_THAT(roms->names, ElementsAre("b.SMD", "sub/c.md", "game.1"));
+  EXPECT_EQ(roms->damage, "");
+  EXPECT_THAT(ListZipEntries(path, kAllFilesMask)->names,
+              ElementsAre("b.SMD", "notes.txt", "sub/c.md", "game.2", "game.1"));
+  EXPECT_THAT(ListZipEntries(link, kAllFilesMask)->names, ElementsAre("d.bin"));
+}
+
+TEST_F(ZipArchiveTest, ExtractsMembersWholeAndRemovesThemAgain) {
+  const auto path = Archive(Zip({{"top.bin", "top data"}, {"sub/deep/inner.smd", "inner"}}));
+  test::WriteTestFile(folder / "top.bin", "an older copy that is much longer than the new one");
+  const std::vector<std::string> both = {"sub/deep/inner.smd", "top.bin"};
+  auto extracted = ExtractZipMembers(path, both, folder);
+  ASSERT_TRUE(extracted.ok()) << extracted.error().message;
+  EXPECT_EQ((*extracted)[1], folder / "top.bin");
+  EXPECT_EQ(test::ReadTestFile((*extracted)[0]), "inner");
+  EXPECT_EQ(test::ReadTestFile((*extracted)[1]), "top data");
+
+  ASSERT_TRUE(RemoveExtractedMember(folder, "sub/deep/inner.smd").ok());
+  EXPECT_FALSE(std::filesystem::exists(folder / "sub"));  // emptied folders go too
+  EXPECT_TRUE(std::filesystem::exists(folder / "top.bin"));
+  EXPECT_THAT(ExtractZipMember(path, "other.bin", folder).error().message, HasSubstr("other.bin"));
+}
+
+TEST_F(ZipArchiveTest, NothingIsEverWrittenOutsideTheFolder) {
+  for (const std::string name :
+       {"../evil.bin", "sub/../../evil.bin", "/tmp/evil.bin", "..\\evil.bin", "C:evil.bin"}) {
+    auto result = ExtractZipMember(Archive(Zip({{name, "payload"}})), name, folder);
+    EXPECT_THAT(result.error().message, HasSubstr("refused")) << name;
+  }
+  EXPECT_FALSE(std::filesystem::exists(PathOf("deep/evil.bin")));
+  EXPECT_FALSE(std::filesystem::exists(PathOf("evil.bin")));
+
+  const auto outside = PathOf("outside");
+  std::filesystem::create_directory(outside);
+  test::WriteTestFile(outside / "victim", "keep me");
+  const auto path = Archive(
+      Link(Zip({{"link.bin", (outside / "victim").string()}, {"sub/x.bin", "x"}, {"y.bin", "y"}})));
+  EXPECT_THAT(ExtractZipMember(path, "link.bin", folder).error().message, HasSubstr("link"));
+
+  // Links planted in the folder: one on the member's path is refused, one under the
+  // member's own name is replaced, never written through.
+  std::filesystem::create_directory_symlink(outside, folder / "sub");
+  EXPECT_FALSE(ExtractZipMember(path, "sub/x.bin", folder).ok());
+  std::filesystem::create_symlink(outside / "victim", folder / "y.bin");
+  ASSERT_TRUE(ExtractZipMember(path, "y.bin", folder).ok());
+  EXPECT_FALSE(std::filesystem::is_symlink(folder / "y.bin"));
+  EXPECT_EQ(test::ReadTestFile(outside / "victim"), "keep me");
+  EXPECT_FALSE(std::filesystem::exists(outside / "x.bin"));
+}
+
+TEST_F(ZipArchiveTest, RefusesOversizedAndLyingMembers) {
+  constexpr std::uint64_t kLimit = 64 * 1024;
+  const auto huge = Archive(Claim(Zip({{"huge.bin", "tiny"}}), kMaxZipMemberSize + 1));
+  EXPECT_THAT(ExtractZipMember(huge, "huge.bin", folder).error().message,
+              HasSubstr("larger than 64 MiB"));
+
+  // A bomb claims little: it is stopped by what it unpacks to, not by what it says.
+  const auto bomb = Archive(Claim(Zip({{"bomb.bin", std::string(kLimit * 64, '\0')}}), 100));
+  EXPECT_THAT(ExtractZipMember(bomb, "bomb.bin", folder, kLimit).error().message,
+              HasSubstr("more than 65536 bytes"));
+  const auto shorter = Archive(Claim(Zip({{"s.bin", std::string(500, 'x')}}), 5000));
+  EXPECT_FALSE(ExtractZipMember(shorter, "s.bin", folder).ok());
+  EXPECT_TRUE(std::filesystem::is_empty(folder));  // no half-written file stays behind
+}
+
+TEST_F(ZipArchiveTest, DamagedArchiveListsWhatCanBeRead) {
+  std::string data(20000, '\0');
+  for (std::size_t i = 0; i < data.size(); ++i)
+    data[i] = static_cast<char>(i * 7919 >> 3);
+  const std::string zip = Zip({{"one.bin", data}, {"two.bin", data}, {"three.bin", data}});
+  // Cut inside the third member's local header: the directory at the end is gone as well.
+  const auto third = zip.find("PK\x03\x04", zip.find("PK\x03\x04", 1) + 1);
+  auto listing = ListZipEntries(Archive(zip.substr(0, third + 10)), kRomMasks);
+  EXPECT_THAT(listing->names, ElementsAre("one.bin", "two.bin"));
+  EXPECT_NE(listing->damage, "");
+
+  auto garbage = ListZipEntries(Archive("PK but nothing else"), kRomMasks);
+  EXPECT_TRUE(garbage->names.empty());
+  EXPECT_NE(garbage->damage, "");
+}
+
+TEST(ArchiveLibraryVersion, AnOutdatedLibraryIsReported) {
+  test::ScriptedHost host;
+  CheckArchiveLibraryVersion(host, 3006002);
+  CheckArchiveLibraryVersion(host, 3007000);
+  EXPECT_TRUE(host.Events().empty());
+  CheckArchiveLibraryVersion(host, 3006001);
+  EXPECT_THAT(host.Texts(), ElementsAre(HasSubstr("are outdated")));
+}
+
+}  // namespace
+}  // namespace romsteward

@@ -1,0 +1,154 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/cart/header.h"
+#include "core/launch/zip_archive.h"
+#include "core/tools/report_form.h"
+#include "support/place_fixture.h"
+
+namespace romsteward {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class ReportTest : public test::PlaceTest {
+protected:
+  // Images of 2, 4 and 2 Mbit and a file that is no image, as an "All files" list.
+  RomListSource Collection() {
+    const std::string dir = MakeDir("roms");
+    CartridgeSpec big;
+    big.size = 512 * 1024;
+    big.domesticName = "KONNICHIWA";
+    big.overseasName = "HELLO";
+    Put(dir, "a.bin", ImageBytes(Layout::Bin));
+    Put(dir, "b.smd", ImageBytes(Layout::Smd, big));
+    Put(dir, "notes.txt", "no image");
+    Put(dir, "c.md", ImageBytes(Layout::Md));
+    return {dir, false, {"a.bin", "b.smd", "notes.txt", "c.md"}};
+  }
+  // The create button with `text`; what the output file then holds.
+  std::string Create(std::string_view text, const RomListSource& source) {
+    form.SetText(std::string(text));
+    host.AnswerSaveFile(PathToUtf8(PathOf("romlist.txt")));
+    form.CreateList(host, settings, source);
+    std::error_code error;
+    return std::filesystem::exists(PathOf("romlist.txt"), error)
+               ? test::ReadTestFile(PathOf("romlist.txt"))
+               : std::string();
+  }
+
+  RomListForm form;
+};
+
+TEST_F(ReportTest, ABlockOfTheFileNameGivesOneNamePerLine) {
+  EXPECT_EQ(Create("-BOL-%file%\r\n-EOL-", Collection()), "a.bin\r\nb.smd\r\nc.md\r\n");
+  EXPECT_THAT(host.Texts(), ElementsAre("Rom list created!"));
+  const test::HostEvent dialog = host.EventsOf(test::PromptKind::SaveFile).at(0);
+  EXPECT_EQ(dialog.title, "Select list file");
+  EXPECT_EQ(dialog.dialog.initialName, "romlist.txt");
+  EXPECT_EQ(dialog.dialog.filters.at(0).patterns, "*.txt;*.html");
+  EXPECT_EQ(host.ProgressReports().back(), 100);
+}
+
+TEST_F(ReportTest, CountsAndTotalsRunInTheBlockAndAreFinalInTheFooter) {
+  EXPECT_EQ(Create("[%roms% %size% %file%]-BOL-<%roms% %romsize% %size%>-EOL-[%roms% %size%]"
+                   "%countries%",
+                   Collection()),
+            "[0 0.00 Meg a.bin]<1 2 Meg 2.00 Meg><2 4 Meg 6.00 Meg><3 2 Meg 8.00 Meg>"
+            "[3 8.00 Meg]Japan,USA,Europe");
+}
+
+TEST_F(ReportTest, SizesAreOnlyReadWhenTheTemplateAsksForCountries) {
+  EXPECT_EQ(Create("-BOL-<%romsize%|%size%>-EOL-%size%", Collection()),
+            "<|0.00 Meg><|0.00 Meg><|0.00 Meg>0.00 Meg");
+}
+
+TEST_F(ReportTest, TheDefaultTemplateReportsEveryField) {
+  CartridgeSpec spec;
+  spec.backupRam = true;
+  std::string image = ImageBytes(Layout::Bin, spec);
+  image.replace(0x18E, 2, "\x0A\x5F");  // the checksum shown with its leading zero
+  const std::string dir = MakeDir("one");
+  Put(dir, "game.bin", image);
+  EXPECT_EQ(Create(kDefaultReportTemplate, {dir, false, {"game.bin"}}),
+            "     MY ROM LIST\r\n\r\n\r\n\r\nFILE: game.bin\r\n"
+            "FILE TYPE: Super Magic Drive Binary (BIN)\r\n"
+            "GAME (overseas): DEMO CARTRIDGE   SIZE: 2 Meg\r\n"
+            "GAME (domestic): DEMO CARTRIDGE   RAM: Yes\r\n"
+            "COPYRIGHT: " +
+                DecodeMakerDate(spec.makerDate) +
+                "\r\n"
+                "DEVELOPED FOR: Japan,USA,Europe\r\nSUPPORTS: Joypad\r\nCHECKSUM: 0A5F\r\n"
+                "ROMS SO FAR: 1\r\nPARTIAL TOTAL SIZE: 2.00 Meg\r\n\r\n\r\n" +
+                std::string(56, '-') + "\r\nNUMBER OF ROMS:  1\r\nTOTAL SIZE: 2.00 Meg\r\n");
+}
+
+TEST_F(ReportTest, ErrorsStopWithAMessageAndNoOutput) {
+  RomListSource source = Collection();
+  for (const char* text : {"no begin", "-BOL- but no end"}) {
+    form.SetText(text);
+    form.CreateList(host, settings, source);
+  }
+  EXPECT_THAT(host.EventsOf(test::PromptKind::SaveFile), IsEmpty());
+  source.entries.push_back("vanished.bin");
+  EXPECT_EQ(Create("-BOL-%file%-EOL-", source), "");
+  EXPECT_THAT(host.Texts(), ElementsAre("Expected: Begin of list", "Expected: End of list",
+                                        HasSubstr("vanished.bin")));
+}
+
+TEST_F(ReportTest, TheOldRomNameOptionWarnsAndStillWorks) {
+  const RomListSource source{Collection().place, false, {"b.smd", "%file%.bin"}};
+  Put(source.place, "%file%.bin", ImageBytes(Layout::Bin));
+  form.ChooseRomName(host, RomNameChoice::Domestic);
+  EXPECT_THAT(host.Texts(), ElementsAre(std::string(kRomNameWarning)));
+  // A name holding a placeholder goes in as it stands.
+  EXPECT_EQ(Create("-BOL-%romname% %file%;-EOL-", source),
+            "KONNICHIWA b.smd;DEMO CARTRIDGE %file%.bin;");
+  form.ChooseRomName(host, RomNameChoice::Overseas);
+  // Written over the earlier list without emptying it first, so its tail stays.
+  EXPECT_EQ(Create("-BOL-%romname%;-EOL-", {source.place, false, {"b.smd"}}),
+            "HELLO;HIWA b.smd;DEMO CARTRIDGE %file%.bin;");
+}
+
+TEST_F(ReportTest, ArchiveMembersAreExtractedAndDeletedAfterwards) {
+  const std::string zip = Put(MakeDir("zips"), "set.zip",
+                              Zip({{"one.bin", ImageBytes(Layout::Bin)},
+                                   {"two.smd", ImageBytes(Layout::Smd)},
+                                   {"readme.txt", "no image"}}));
+  const RomListSource source{zip, true, {"one.bin", "two.smd", "readme.txt"}};
+  form.CreateList(host, settings, source);
+  EXPECT_THAT(host.Texts(), ElementsAre(std::string(kTempFolderMissing)));
+
+  // A file of the user's own in the temporary folder is neither replaced nor deleted.
+  const std::string temp = MakeDir("temp");
+  Put(temp, "one.bin", "the user's own file");
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", temp).ok());
+  EXPECT_EQ(Create("-BOL-%file% -EOL-", source), "one.bin two.smd ");
+  EXPECT_EQ(test::ReadTestFile(PathOf("temp/one.bin")), "the user's own file");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(PathOf("temp")), {}), 1);
+}
+
+TEST_F(ReportTest, ScriptsAreSavedOverOldFilesAndOpenedWhole) {
+  const std::string script = Put(MakeDir("s"), "list.rsc", "an old and much longer script");
+  form.SetText("new");
+  host.AnswerSaveFile(script);
+  form.SaveScript(host);
+  EXPECT_EQ(test::ReadTestFile(Utf8ToPath(script)), "newold and much longer script");
+
+  host.AnswerOpenFile(Put(MakeDir("s"), "other.rsc", "-BOL-%file%\r\n-EOL-\r\n"));
+  form.OpenScript(host);
+  host.AnswerOpenFile(PathToUtf8(PathOf("missing.rsc")));
+  form.OpenScript(host);
+  EXPECT_EQ(form.Text(), "-BOL-%file%\r\n-EOL-\r\n");
+  EXPECT_THAT(host.Texts(), ElementsAre(HasSubstr("missing.rsc")));
+  for (const test::HostEvent& dialog : host.Events()) {
+    if (dialog.kind == test::PromptKind::Message) continue;
+    EXPECT_EQ(dialog.title, "Save Romsteward's script");
+    EXPECT_EQ(dialog.dialog.filters.at(0).description, "Romsteward Scripts");
+  }
+}
+
+}  // namespace
+}  // namespace romsteward
