@@ -2,10 +2,13 @@
 #include <string>
 #include <vector>
 
+#include "cli/console.h"
 #include "cli/tool.h"
 
 int main(int argc, char** argv) {
   std::ios::sync_with_stdio(false);
-  return romsteward::cli::RunTool(std::vector<std::string>(argv + 1, argv + argc), std::cout,
-                                  std::cerr);
+  using namespace romsteward::cli;
+  const ToolStreams streams{std::cin, std::cout, std::cerr, StandardStreamsAreTerminals(),
+                            StandardErrorIsTerminal()};
+  return RunTool(std::vector<std::string>(argv + 1, argv + argc), streams);
 }

@@ -2,27 +2,105 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <istream>
 #include <ostream>
+#include <sstream>
+
+#include "cli/terminal_host.h"
+#include "core/common/strings.h"
+#include "core/settings/app_settings.h"
+#include "core/settings/registry_store.h"
 
 namespace romsteward::cli {
 
-int RunTool(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
-  ToolContext context{out, err};
+namespace {
+
+// The input of a run that has none: every read ends at once.
+std::istream& NoInput() {
+  static std::istringstream empty;
+  empty.clear();
+  return empty;
+}
+
+}  // namespace
+
+ToolContext::ToolContext(const ToolStreams& streams)
+    : out(streams.out),
+      err(streams.err),
+      m_in(streams.in),
+      m_interactive(streams.interactive),
+      m_showProgress(streams.showProgress),
+      m_givenHost(streams.host) {}
+
+ToolContext::ToolContext(std::ostream& outStream, std::ostream& errStream)
+    : out(outStream), err(errStream), m_in(NoInput()) {}
+
+ToolContext::~ToolContext() = default;
+
+Host& ToolContext::host() {
+  if (m_givenHost) return *m_givenHost;
+  if (!m_ownHost) {
+    // Made on first use: by then the global options have been parsed.
+    TerminalHostOptions options;
+    options.autoAnswer = global.yes  ? AutoAnswer::Yes
+                         : global.no ? AutoAnswer::No
+                                     : AutoAnswer::None;
+    options.interactive = m_interactive;
+    options.showProgress = m_showProgress;
+    options.hideMaskedInput = m_interactive;
+    m_ownHost = std::make_unique<TerminalHost>(m_in, err, options);
+  }
+  return *m_ownHost;
+}
+
+Result<AppSettings*> ToolContext::Settings() {
+  if (m_settings) return m_settings.get();
+  const std::filesystem::path file = global.settingsFile.empty() ? RegistryStore::DefaultLocation()
+                                                                 : Utf8ToPath(global.settingsFile);
+  auto store = RegistryStore::Open(file);
+  if (!store) return store.error();
+  m_store = std::move(store).value();
+  m_settings = std::make_unique<AppSettings>(*m_store);
+  return m_settings.get();
+}
+
+AppSettings* ToolContext::SettingsOrReport() {
+  auto settings = Settings();
+  if (settings) return *settings;
+  err << settings.error().message << '\n';
+  status = kExitError;
+  return nullptr;
+}
+
+int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
+  ToolContext context(streams);
   CLI::App app{"Genesis Romsteward: cartridge image header tool", "romsteward-tool"};
   app.require_subcommand(1);
   app.set_version_flag("--version", "romsteward-tool 0.1.0");
+  // Global options are also taken after the subcommand's name.
+  app.fallthrough();
+  app.add_option("--settings", context.global.settingsFile,
+                 "Settings file (default: $ROMSTEWARD_SETTINGS, else "
+                 "$XDG_CONFIG_HOME/romsteward/settings.sqlite3)");
+  CLI::Option* yes = app.add_flag("--yes", context.global.yes, "Answer yes to every question");
+  app.add_flag("--no", context.global.no, "Answer no to every question")->excludes(yes);
 
   AddInfoCommand(app, context);
   AddConvertCommand(app, context);
   AddDemoCommand(app, context);
+  AddSettingsCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {
     app.parse(reversed);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error, out, err);
+    return app.exit(error, streams.out, streams.err);
   }
   return context.status;
+}
+
+int RunTool(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+  return RunTool(args, ToolStreams{NoInput(), out, err});
 }
 
 }  // namespace romsteward::cli

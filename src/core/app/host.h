@@ -35,6 +35,14 @@ inline constexpr int kEscolhaNo = 7;
 inline constexpr int kEscolhaCancel = 2;
 inline constexpr int kEscolhaClosed = 0;
 
+/// The button whose click gives `escolha` (6, 7 or 2); nullptr for any other value.
+const QuestionButton* ButtonFor(const QuestionBox& box, int escolha);
+/// Whether the box can give `escolha`: 0 (closed without a button) or the value of a button
+/// that is shown. Every Host keeps to this; a hidden button cannot be chosen.
+bool CanAnswer(const QuestionBox& box, int escolha);
+/// `caption` without its access-key marks: "&Fix 'n Save" reads "Fix 'n Save", "&&" is "&".
+std::string CaptionText(std::string_view caption);
+
 /// A file dialog's filter: its description and its patterns ("*.ips", "*.smd;*.bin").
 struct FileFilter {
   std::string description;

@@ -152,6 +152,27 @@ std::string EscapeForDisplay(std::string_view bytes) {
   return out;
 }
 
+Result<std::string> DecodeHexEscapes(std::string_view text) {
+  const auto digit = [](char c) { return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10; };
+  std::string bytes;
+  bytes.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\\') {
+      bytes += text[i];
+      continue;
+    }
+    if (i + 3 >= text.size() || text[i + 1] != 'x' || !IsHexDigit(text[i + 2]) ||
+        !IsHexDigit(text[i + 3])) {
+      return Error{
+          "A backslash must start an escape \\xNN of two hexadecimal digits (\\x5C "
+          "for a backslash itself)"};
+    }
+    bytes += static_cast<char>(digit(text[i + 2]) * 16 + digit(text[i + 3]));
+    i += 3;
+  }
+  return bytes;
+}
+
 bool IsHexDigit(char c) {
   return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }

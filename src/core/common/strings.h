@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/common/result.h"
+
 namespace romsteward {
 
 /// UTF-8 text for a path and back: the one place where paths meet strings.
@@ -41,6 +43,9 @@ std::string Latin1FallbackToUtf8(std::string_view bytes);
 /// Latin1FallbackToUtf8 with control characters (and the backslash) written as \xNN, so
 /// that any bytes print as one readable line.
 std::string EscapeForDisplay(std::string_view bytes);
+/// The bytes a text with \xNN escapes stands for (the escapes EscapeForDisplay writes); any
+/// other backslash is an error, so a typing mistake never becomes a stored byte.
+Result<std::string> DecodeHexEscapes(std::string_view text);
 
 /// The value of the decimal digits at the start of `text` after leading blanks, 0 when
 /// there are none. Saturates instead of overflowing.

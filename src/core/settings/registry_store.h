@@ -32,7 +32,11 @@ public:
 
   const std::filesystem::path& File() const;
 
+  /// Creates the key when it is missing. Names may hold any byte but 0x00.
   Status SetValue(std::string_view keyPath, std::string_view name, std::string_view data);
+  /// Several values of one key in one transaction: all are written or none.
+  Status SetValues(std::string_view keyPath,
+                   const std::vector<std::pair<std::string, std::string>>& values);
   Result<std::string> GetValue(std::string_view keyPath, std::string_view name) const;
   bool HasValue(std::string_view keyPath, std::string_view name) const;
   Status DeleteValue(std::string_view keyPath, std::string_view name);
@@ -41,6 +45,11 @@ public:
   /// Names and data in creation order; a key that does not exist fails.
   Result<std::vector<std::pair<std::string, std::string>>> EnumerateValues(
       std::string_view keyPath) const;
+  /// Whether the key was ever created (a key keeps existing when its last value is deleted).
+  bool KeyExists(std::string_view keyPath) const;
+  /// Names of the keys directly below `keyPath`, in the order they were created; empty when
+  /// there are none.
+  Result<std::vector<std::string>> EnumerateSubkeyNames(std::string_view keyPath) const;
 
 private:
   struct Impl;

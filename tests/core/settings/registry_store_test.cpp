@@ -1,0 +1,245 @@
+#include "core/settings/registry_store.h"
+
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "support/temp_dir.h"
+
+namespace romsteward {
+namespace {
+
+using test::ReadTestFile;
+using test::WriteTestFile;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Pair;
+
+constexpr std::string_view kKey = "HKEY_CURRENT_USER\\Software\\Test";
+
+class RegistryStoreTest : public test::TempDirTest {
+protected:
+  std::unique_ptr<RegistryStore> OpenStore() {
+    auto store = RegistryStore::Open(PathOf("settings.sqlite3"));
+    if (!store) {
+      ADD_FAILURE() << store.error().message;
+      return nullptr;
+    }
+    return std::move(store).value();
+  }
+};
+
+TEST_F(RegistryStoreTest, KeyPathsAndValueNamesIgnoreCase) {
+  auto store = OpenStore();
+  ASSERT_TRUE(store->SetValue(kKey, "Kfrm", "3"));
+  EXPECT_EQ(*store->GetValue("hkey_current_user\\SOFTWARE\\test", "kFRM"), "3");
+  EXPECT_EQ(*store->GetValue(std::string(kKey) + "\\", "kfrm"), "3");
+
+  // Writing under another spelling overwrites the one value; its first spelling stays.
+  ASSERT_TRUE(store->SetValue("HKEY_CURRENT_USER\\software\\TEST", "KFRM", "4"));
+  EXPECT_THAT(*store->EnumerateValues(kKey), ElementsAre(Pair("Kfrm", "4")));
+  // Only ASCII letters fold: other bytes must match exactly.
+  ASSERT_TRUE(store->SetValue(kKey, "\xC3\xA9", "e-acute"));
+  EXPECT_FALSE(store->HasValue(kKey, "\xC3\x89"));
+}
+
+TEST_F(RegistryStoreTest, ValuesKeepEveryByte) {
+  auto store = OpenStore();
+  const std::string binary("\x00\x12\xFF\x00|\r\n", 7);
+  ASSERT_TRUE(store->SetValue(kKey, "binary", binary));
+  ASSERT_TRUE(store->SetValue(kKey, "empty", ""));
+  ASSERT_TRUE(store->SetValue(kKey, "SONIC.BIN|Patch \xE9", "x"));
+  EXPECT_EQ(*store->GetValue(kKey, "binary"), binary);
+  EXPECT_EQ(store->GetValue(kKey, "empty").value(), "");
+  EXPECT_TRUE(store->HasValue(kKey, "sonic.bin|patch \xE9"));
+
+  // A name with a NUL byte is refused rather than cut short.
+  auto refused = store->SetValue(kKey, std::string("a\0b", 3), "x");
+  ASSERT_FALSE(refused);
+  EXPECT_THAT(refused.error().message, HasSubstr("0x00"));
+}
+
+TEST_F(RegistryStoreTest, EnumerationKeepsCreationOrder) {
+  auto store = OpenStore();
+  ASSERT_TRUE(store->SetValues(kKey, {{"b", "1"}, {"a", "2"}, {"c", "3"}}));
+  ASSERT_TRUE(store->SetValue(kKey, "A", "overwritten"));  // keeps its place
+  ASSERT_TRUE(store->DeleteValue(kKey, "b"));
+  ASSERT_TRUE(store->SetValue(kKey, "b", "again"));  // a new value goes last
+  EXPECT_THAT(*store->EnumerateValues(kKey),
+              ElementsAre(Pair("a", "overwritten"), Pair("c", "3"), Pair("b", "again")));
+  EXPECT_THAT(*store->EnumerateValueNames(kKey), ElementsAre("a", "c", "b"));
+}
+
+TEST_F(RegistryStoreTest, EveryCallReportsFailure) {
+  auto store = OpenStore();
+  EXPECT_FALSE(store->EnumerateValues(kKey));  // no such key yet
+  EXPECT_FALSE(store->KeyExists(kKey));
+  EXPECT_FALSE(store->DeleteValue(kKey, "x"));
+  EXPECT_FALSE(store->GetValue(kKey, "x"));
+
+  ASSERT_TRUE(store->SetValue(kKey, "x", "1"));
+  EXPECT_TRUE(store->DeleteValue(kKey, "X"));
+  auto again = store->DeleteValue(kKey, "x");
+  ASSERT_FALSE(again);
+  EXPECT_THAT(again.error().message, HasSubstr("\"x\""));
+
+  // The key outlives its last value, as a registry key does.
+  EXPECT_TRUE(store->KeyExists(kKey));
+  ASSERT_TRUE(store->EnumerateValues(kKey));
+  EXPECT_TRUE(store->EnumerateValues(kKey)->empty());
+  EXPECT_FALSE(store->SetValue("\\", "x", "1"));
+}
+
+TEST_F(RegistryStoreTest, SubkeysAreListedOnceInCreationOrder) {
+  auto store = OpenStore();
+  ASSERT_TRUE(store->SetValue("Root\\Settings", "a", "1"));
+  ASSERT_TRUE(store->SetValue("Root\\Cartridge\\Deep", "a", "1"));
+  ASSERT_TRUE(store->SetValue("ROOT\\settings", "b", "1"));
+  ASSERT_TRUE(store->SetValue("Rooted\\Other", "a", "1"));
+  EXPECT_THAT(*store->EnumerateSubkeyNames("root"), ElementsAre("Settings", "Cartridge"));
+  EXPECT_TRUE(store->EnumerateSubkeyNames("Nowhere")->empty());
+}
+
+TEST_F(RegistryStoreTest, ValuesSurviveReopening) {
+  ASSERT_TRUE(OpenStore()->SetValues(kKey, {{"one", std::string("\0", 1)}, {"two", "2"}}));
+  EXPECT_THAT(*OpenStore()->EnumerateValues(kKey),
+              ElementsAre(Pair("one", std::string("\0", 1)), Pair("two", "2")));
+}
+
+TEST_F(RegistryStoreTest, CreatesMissingFolders) {
+  const auto file = PathOf("a/b/settings.sqlite3");
+  auto store = RegistryStore::Open(file);
+  ASSERT_TRUE(store) << store.error().message;
+  EXPECT_EQ((*store)->File(), file);
+  EXPECT_TRUE(std::filesystem::exists(file));
+}
+
+// Files that cannot be a store: each is refused with its name and left byte for byte.
+class UnusableStoreTest : public test::TempDirTest {
+protected:
+  void ExpectRefused(const std::filesystem::path& file, std::string_view why) {
+    const std::string before = ReadTestFile(file);
+    auto store = RegistryStore::Open(file);
+    ASSERT_FALSE(store);
+    EXPECT_THAT(store.error().message, HasSubstr(file.string()));
+    EXPECT_THAT(store.error().message, HasSubstr(std::string(why)));
+    EXPECT_EQ(ReadTestFile(file), before);
+  }
+};
+
+TEST_F(UnusableStoreTest, TextFile) {
+  WriteTestFile(PathOf("notes.txt"), std::string(5000, 'x'));
+  ExpectRefused(PathOf("notes.txt"), "not a database");
+}
+
+TEST_F(UnusableStoreTest, DamagedStore) {
+  const auto file = PathOf("settings.sqlite3");
+  {
+    auto store = RegistryStore::Open(file);
+    ASSERT_TRUE(store);
+    for (int i = 0; i < 200; ++i) {
+      ASSERT_TRUE((*store)->SetValue(kKey, fmt::format("value{}", i), std::string(100, 'v')));
+    }
+  }
+  std::string bytes = ReadTestFile(file);
+  ASSERT_GT(bytes.size(), 3 * 4096u);
+  bytes.replace(2 * 4096, 4096, 4096, '\xA5');  // a page of the values' table
+  WriteTestFile(file, bytes);
+  ExpectRefused(file, "damaged");
+}
+
+TEST_F(UnusableStoreTest, AnotherProgramsDatabase) {
+  const auto file = PathOf("other.db");
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(db, "CREATE TABLE songs(title TEXT)", nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  sqlite3_close(db);
+  ExpectRefused(file, "another program");
+}
+
+TEST_F(UnusableStoreTest, Folder) {
+  auto store = RegistryStore::Open(Dir());
+  ASSERT_FALSE(store);
+  EXPECT_THAT(store.error().message, HasSubstr("folder"));
+}
+
+TEST(RegistryStoreLocation, EnvironmentChoosesTheFile) {
+  const auto saved = [](const char* name) -> std::optional<std::string> {
+    const char* value = std::getenv(name);
+    return value ? std::optional<std::string>(value) : std::nullopt;
+  };
+  const auto restore = [](const char* name, const std::optional<std::string>& value) {
+    if (value) {
+      setenv(name, value->c_str(), 1);
+    } else {
+      unsetenv(name);
+    }
+  };
+  const auto settings = saved("ROMSTEWARD_SETTINGS");
+  const auto xdg = saved("XDG_CONFIG_HOME");
+  const auto home = saved("HOME");
+
+  setenv("HOME", "/home/player", 1);
+  unsetenv("ROMSTEWARD_SETTINGS");
+  setenv("XDG_CONFIG_HOME", "/cfg", 1);
+  EXPECT_EQ(RegistryStore::DefaultLocation(), "/cfg/romsteward/settings.sqlite3");
+  setenv("XDG_CONFIG_HOME", "relative", 1);  // not absolute: ignored
+  EXPECT_EQ(RegistryStore::DefaultLocation(), "/home/player/.config/romsteward/settings.sqlite3");
+  unsetenv("XDG_CONFIG_HOME");
+  EXPECT_EQ(RegistryStore::DefaultLocation(), "/home/player/.config/romsteward/settings.sqlite3");
+  setenv("ROMSTEWARD_SETTINGS", "/portable/store.db", 1);
+  EXPECT_EQ(RegistryStore::DefaultLocation(), "/portable/store.db");
+
+  restore("ROMSTEWARD_SETTINGS", settings);
+  restore("XDG_CONFIG_HOME", xdg);
+  restore("HOME", home);
+}
+
+// Two copies of the program writing at once: every value of both arrives.
+TEST_F(RegistryStoreTest, TwoProcessesWriteWithoutLoss) {
+  constexpr int kPerProcess = 150;
+  ASSERT_TRUE(OpenStore());  // created before the race, as after a first start
+  const auto file = PathOf("settings.sqlite3");
+  std::vector<pid_t> children;
+  for (int child = 0; child < 2; ++child) {
+    const pid_t pid = fork();
+    ASSERT_GE(pid, 0);
+    if (pid == 0) {
+      // No test macros in the child: its exit status is its verdict.
+      auto store = RegistryStore::Open(file);
+      int failures = store ? 0 : 1;
+      for (int i = 0; store && i < kPerProcess; ++i) {
+        const std::string name = fmt::format("p{}.v{}", child, i);
+        if (!(*store)->SetValue(kKey, name, name)) ++failures;
+        if (!(*store)->SetValue(kKey, "shared", name)) ++failures;
+        if (!(*store)->EnumerateValues(kKey)) ++failures;
+      }
+      _exit(failures == 0 ? 0 : 1);
+    }
+    children.push_back(pid);
+  }
+  for (pid_t pid : children) {
+    int status = 0;
+    ASSERT_EQ(waitpid(pid, &status, 0), pid);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  }
+  auto store = OpenStore();
+  auto values = store->EnumerateValues(kKey);
+  ASSERT_TRUE(values);
+  EXPECT_EQ(values->size(), 2u * kPerProcess + 1);
+  for (int child = 0; child < 2; ++child) {
+    for (int i = 0; i < kPerProcess; ++i) {
+      const std::string name = fmt::format("p{}.v{}", child, i);
+      EXPECT_EQ(store->GetValue(kKey, name).value(), name);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace romsteward

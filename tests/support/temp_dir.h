@@ -1,0 +1,41 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace romsteward::test {
+
+/// A fresh directory under the system's temporary folder, removed with everything in it
+/// when the object goes.
+class TempDir {
+public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+
+  const std::filesystem::path& Path() const { return m_path; }
+  std::filesystem::path operator/(std::string_view name) const { return m_path / name; }
+
+private:
+  std::filesystem::path m_path;
+};
+
+/// Whole-file helpers for tests; a failure to read or write fails the running test.
+void WriteTestFile(const std::filesystem::path& path, std::string_view contents);
+std::string ReadTestFile(const std::filesystem::path& path);
+
+/// Fixture for tests that write files: `Dir()` is new for every test.
+class TempDirTest : public ::testing::Test {
+protected:
+  const std::filesystem::path& Dir() const { return m_dir.Path(); }
+  std::filesystem::path PathOf(std::string_view name) const { return m_dir / name; }
+
+private:
+  TempDir m_dir;
+};
+
+}  // namespace romsteward::test
