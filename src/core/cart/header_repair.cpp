@@ -113,7 +113,7 @@ RepairOutcome CheckEmbeddedHeader(Host& host, AppSettings& settings,
     if (!asked) {
       asked = true;
       fix =
-          host.AskYesNo("The embedded SMD header is corrupt!" + which + "\nDo you want to fix it?",
+          host.AskYesNo("The embedded SMD header is corrupt!" + which + "\r\nDo you want to fix it?",
                         MessageIcon::Question, {}) == Answer::Yes;
     }
     if (!fix) {
