@@ -21,8 +21,7 @@ void WriteImage(const std::filesystem::path& path, std::string_view logical, Lay
 /// `logical` written as the split set `stem`1, `stem`2 ... of `volumeBytes` of ROM data
 /// each; returns the volumes' paths in order.
 std::vector<std::filesystem::path> WriteSplitSet(const std::filesystem::path& stem,
-                                                 std::string_view logical,
-                                                 std::size_t volumeBytes);
+                                                 std::string_view logical, std::size_t volumeBytes);
 
 /// Takes every write permission away, as a user marking a file read-only does.
 void MakeReadOnly(const std::filesystem::path& path);

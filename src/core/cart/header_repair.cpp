@@ -112,9 +112,9 @@ RepairOutcome CheckEmbeddedHeader(Host& host, AppSettings& settings,
     // One question per check: the answer stands for every later corrupt volume of the set.
     if (!asked) {
       asked = true;
-      fix =
-          host.AskYesNo("The embedded SMD header is corrupt!" + which + "\r\nDo you want to fix it?",
-                        MessageIcon::Question, {}) == Answer::Yes;
+      fix = host.AskYesNo(
+                "The embedded SMD header is corrupt!" + which + "\r\nDo you want to fix it?",
+                MessageIcon::Question, {}) == Answer::Yes;
     }
     if (!fix) {
       outcome = std::max(outcome, RepairOutcome::LeftAsIs);

@@ -16,7 +16,8 @@ std::uint16_t ReferenceChecksum(std::string_view logical) {
   std::uint64_t sum = 0;
   const std::size_t end = logical.size() / kBlockSize * kBlockSize;
   for (std::size_t i = 0x200; i < end; i += 2)
-    sum += static_cast<unsigned char>(logical[i]) * 256u + static_cast<unsigned char>(logical[i + 1]);
+    sum +=
+        static_cast<unsigned char>(logical[i]) * 256u + static_cast<unsigned char>(logical[i + 1]);
   return static_cast<std::uint16_t>(sum % 65536);
 }
 
@@ -52,7 +53,8 @@ TEST_F(CalcChecksumTest, EveryLayoutGivesTheSumOfTheLogicalImage) {
     EXPECT_EQ(SumOk(PathOf("game.smd")), expected);
     EXPECT_EQ(SumOk(PathOf("game.md")), expected);
     EXPECT_EQ(SumOk(volumes[0]), expected);
-    for (const auto& volume : volumes) std::filesystem::remove(volume);
+    for (const auto& volume : volumes)
+      std::filesystem::remove(volume);
   }
   EXPECT_EQ(ChecksumOfLogicalImage(saturated), ReferenceChecksum(saturated));
 }
@@ -72,7 +74,8 @@ TEST_F(CalcChecksumTest, BytesBeyondTheLastWholeBlockAreIgnored) {
 }
 
 TEST_F(CalcChecksumTest, NothingToSumGivesZero) {
-  const auto volumes = test::WriteSplitSet(PathOf("set"), test::MakeCartridge(64 * 1024), 32 * 1024);
+  const auto volumes =
+      test::WriteSplitSet(PathOf("set"), test::MakeCartridge(64 * 1024), 32 * 1024);
   auto later = BinaryFile::Open(volumes[1]);
   ASSERT_TRUE(later);
   ASSERT_EQ(DetectRomFormat(*later), Layout::SplitLater);
@@ -89,7 +92,8 @@ TEST_F(CalcChecksumTest, NothingToSumGivesZero) {
 }
 
 TEST_F(CalcChecksumTest, AFirstVolumeOutsideANumberedSetIsRefused) {
-  const auto volumes = test::WriteSplitSet(PathOf("set"), test::MakeCartridge(64 * 1024), 32 * 1024);
+  const auto volumes =
+      test::WriteSplitSet(PathOf("set"), test::MakeCartridge(64 * 1024), 32 * 1024);
   std::filesystem::rename(volumes[0], PathOf("set.smd"));
   auto sum = Sum(PathOf("set.smd"));
   ASSERT_FALSE(sum);
@@ -97,7 +101,8 @@ TEST_F(CalcChecksumTest, AFirstVolumeOutsideANumberedSetIsRefused) {
 }
 
 TEST_F(CalcChecksumTest, ProgressNamesEachVolumeAndReachesTheEnd) {
-  const auto volumes = test::WriteSplitSet(PathOf("set"), test::MakeCartridge(192 * 1024), 64 * 1024);
+  const auto volumes =
+      test::WriteSplitSet(PathOf("set"), test::MakeCartridge(192 * 1024), 64 * 1024);
   test::ScriptedHost host;
   ASSERT_TRUE(Sum(volumes[0], &host));
   EXPECT_EQ(host.ProgressCaptions(),

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "core/settings/app_settings.h"
+#include "support/temp_dir.h"
+
+namespace romsteward::test {
+
+/// A temporary directory with a settings store in it; Reopen() starts over from the file, as a
+/// restarted program would.
+class StoreTest : public TempDirTest {
+protected:
+  void SetUp() override { Reopen(); }
+
+  void Reopen() {
+    m_settings.reset();
+    m_store.reset();
+    auto store = RegistryStore::Open(PathOf("settings.sqlite3"));
+    ASSERT_TRUE(store) << store.error().message;
+    m_store = std::move(store).value();
+    m_settings = std::make_unique<AppSettings>(*m_store);
+  }
+
+  AppSettings& Settings() { return *m_settings; }
+
+private:
+  std::unique_ptr<RegistryStore> m_store;
+  std::unique_ptr<AppSettings> m_settings;
+};
+
+}  // namespace romsteward::test
