@@ -9,13 +9,17 @@
 #include <filesystem>
 #include <memory>
 #include <span>
+#include <sstream>
 #include <string>
+#include <vector>
 
+#include "cli/tool.h"
 #include "core/cart/checksum.h"
 #include "core/cart/convert.h"
 #include "core/common/atomic_file.h"
 #include "core/common/binary_file.h"
 #include "core/demo/cartridge_builder.h"
+#include "core/demo/demo_collection.h"
 
 namespace {
 
@@ -37,6 +41,7 @@ public:
     for (Layout layout : {Layout::Bin, Layout::Smd, Layout::Md}) {
       if (!WriteFileAtomically(PathOf(layout), EncodeImage(logical, layout))) std::abort();
     }
+    if (!WriteDemoCollection(DemoDir())) std::abort();
   }
   ~Images() {
     std::error_code ignored;
@@ -45,6 +50,8 @@ public:
   std::filesystem::path PathOf(Layout layout) const {
     return m_dir / ("image." + std::string(LayoutCode(layout)));
   }
+
+  std::filesystem::path DemoDir() const { return m_dir / "demo"; }
 
 private:
   std::filesystem::path m_dir;
@@ -110,11 +117,30 @@ void BM_CalcChecksum(benchmark::State& state, Layout layout) {
     state.counters["x_read"] = sumSeconds / static_cast<double>(state.iterations()) / readSeconds;
 }
 
+// romsteward-tool checksum over the demo collection, as a script would run it: every file
+// opened, detected, summed and reported (the archive and the text file are refused).
+void BM_ToolChecksumDemoCollection(benchmark::State& state) {
+  std::vector<std::string> args{"checksum"};
+  std::int64_t bytes = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(TheImages().DemoDir())) {
+    args.push_back(entry.path().string());
+    bytes += static_cast<std::int64_t>(entry.file_size());
+  }
+  for (auto _ : state) {
+    std::ostringstream out;
+    std::ostringstream err;
+    benchmark::DoNotOptimize(cli::RunTool(args, out, err));
+  }
+  state.SetBytesProcessed(state.iterations() * bytes);
+  state.counters["files"] = static_cast<double>(args.size() - 1);
+}
+
 BENCHMARK_CAPTURE(BM_PlainRead, bin, Layout::Bin);
 BENCHMARK_CAPTURE(BM_CalcChecksum, bin, Layout::Bin);
 BENCHMARK_CAPTURE(BM_PlainRead, smd, Layout::Smd);
 BENCHMARK_CAPTURE(BM_CalcChecksum, smd, Layout::Smd);
 BENCHMARK_CAPTURE(BM_PlainRead, md, Layout::Md);
 BENCHMARK_CAPTURE(BM_CalcChecksum, md, Layout::Md);
+BENCHMARK(BM_ToolChecksumDemoCollection)->Unit(benchmark::kMillisecond);
 
 }  // namespace

@@ -89,6 +89,9 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddConvertCommand(app, context);
   AddDemoCommand(app, context);
   AddSettingsCommand(app, context);
+  AddChecksumCommand(app, context);
+  AddRestoreChecksumCommand(app, context);
+  AddRepairCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

@@ -1,7 +1,9 @@
 #include "core/cart/checksum.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <span>
 #include <string>
@@ -19,16 +21,20 @@ namespace {
 // The sum starts at logical 0x200, past the vectors and the cartridge header.
 constexpr std::size_t kSummedFrom = 0x200;
 
-// The summing loops are written for the vectoriser. They work through lanes of a fixed
-// length (a constant trip count, so vector code comes out at the default optimisation level),
-// and a byte sum is written as a sum of absolute differences from zero, the form that x86
+// The summing loops are written for the vectoriser: they work through lanes of a fixed length
+// (a constant trip count, so vector code comes out at the default optimisation level). Every
+// range a layout sums (a block, half a block, either less its first 0x200 or 0x100 bytes) is a
+// whole number of short lanes.
+//
+// A byte sum is written as a sum of absolute differences from zero, the form that x86
 // compilers turn into psadbw: 16 or 32 bytes summed by one instruction instead of widened one
-// by one. Every range a layout sums (a block, half a block, either less its first 0x200 or
-// 0x100 bytes) is a whole number of short lanes; long lanes cut the cost of adding up the
-// vector's parts at the end of each lane. A call sums at most one read buffer, so 32 bits
-// hold its total.
+// by one. Long lanes cut the cost of adding up the vector's parts at the end of each lane. A
+// call sums at most one read buffer, so 32 bits hold its total.
 constexpr std::size_t kLongLane = 1024;
 constexpr std::size_t kShortLane = 256;
+// A word sum reads the data as native 16-bit words and adds their two bytes apart, in 16-bit
+// lanes: 256 words keep each byte total within 16 bits (256 x 255), so the adds never widen.
+constexpr std::size_t kWordLane = 256;
 
 // Bytes read per call: four blocks keep the buffer in the core's own cache and below the size
 // at which the allocator maps fresh pages (page faults on every call would cost more than the
@@ -43,72 +49,59 @@ constexpr std::size_t kReadSize = 4 * kBlockSize;
 #define ROMSTEWARD_VECTOR_CLONES
 #endif
 
-struct LaneConstants {
-  unsigned char zeros[kLongLane];
-  unsigned char evenBytes[kLongLane];  // 0xFF at even positions: the words' high bytes
-};
-
-constexpr LaneConstants MakeLaneConstants() {
-  LaneConstants constants{};
-  for (std::size_t i = 0; i < kLongLane; i += 2)
-    constants.evenBytes[i] = 0xFF;
-  return constants;
-}
-
-alignas(64) constexpr LaneConstants kLaneConstants = MakeLaneConstants();
+alignas(64) constexpr unsigned char kZeros[kLongLane] = {};
 
 inline std::uint32_t AbsoluteDifference(unsigned char a, unsigned char b) {
   return static_cast<std::uint32_t>(std::abs(int{a} - int{b}));
 }
 
 template <std::size_t kLane>
-inline void AddBytes(const unsigned char* p, std::uint32_t& all) {
-  const unsigned char* zeros = kLaneConstants.zeros;
+inline void AddBytes(const unsigned char* p, std::uint32_t& total) {
   for (std::size_t i = 0; i < kLane; ++i)
-    all += AbsoluteDifference(p[i], zeros[i]);
-}
-
-template <std::size_t kLane>
-inline void AddWordBytes(const unsigned char* p, std::uint32_t& all, std::uint32_t& high) {
-  const unsigned char* zeros = kLaneConstants.zeros;
-  const unsigned char* even = kLaneConstants.evenBytes;
-  for (std::size_t i = 0; i < kLane; ++i) {
-    all += AbsoluteDifference(p[i], zeros[i]);
-    high += AbsoluteDifference(static_cast<unsigned char>(p[i] & even[i]), zeros[i]);
-  }
+    total += AbsoluteDifference(p[i], kZeros[i]);
 }
 
 ROMSTEWARD_VECTOR_CLONES std::uint64_t SumBytes(const unsigned char* p, std::size_t n) {
-  std::uint32_t all = 0;
+  std::uint32_t total = 0;
   std::size_t at = 0;
   for (; at + kLongLane <= n; at += kLongLane)
-    AddBytes<kLongLane>(p + at, all);
+    AddBytes<kLongLane>(p + at, total);
   for (; at + kShortLane <= n; at += kShortLane)
-    AddBytes<kShortLane>(p + at, all);
+    AddBytes<kShortLane>(p + at, total);
   for (; at < n; ++at)
-    all += p[at];
-  return all;
+    total += p[at];
+  return total;
 }
 
-// Big-endian 16-bit words; `n` is even. 256 x high + low = 255 x high + (high + low).
-ROMSTEWARD_VECTOR_CLONES std::uint64_t SumWords(const unsigned char* p, std::size_t n) {
-  std::uint32_t all = 0;
-  std::uint32_t high = 0;
+// The big-endian words of the bytes `words` holds in memory order.
+ROMSTEWARD_VECTOR_CLONES std::uint64_t SumWords(const std::uint16_t* words, std::size_t count) {
+  std::uint64_t lowBytes = 0;  // of the native words
+  std::uint64_t highBytes = 0;
   std::size_t at = 0;
-  for (; at + kLongLane <= n; at += kLongLane)
-    AddWordBytes<kLongLane>(p + at, all, high);
-  for (; at + kShortLane <= n; at += kShortLane)
-    AddWordBytes<kShortLane>(p + at, all, high);
-  for (; at + 1 < n; at += 2) {
-    all += p[at] + p[at + 1];
-    high += p[at];
+  for (; at + kWordLane <= count; at += kWordLane) {
+    std::uint16_t low = 0;
+    std::uint16_t high = 0;
+    for (std::size_t i = 0; i < kWordLane; ++i) {
+      low = static_cast<std::uint16_t>(low + (words[at + i] & 0xFF));
+      high = static_cast<std::uint16_t>(high + (words[at + i] >> 8));
+    }
+    lowBytes += low;
+    highBytes += high;
   }
-  return 255 * std::uint64_t{high} + all;
+  for (; at < count; ++at) {
+    lowBytes += words[at] & 0xFF;
+    highBytes += words[at] >> 8;
+  }
+  // The byte that comes first in memory is the big-endian word's high byte.
+  if constexpr (std::endian::native == std::endian::little)
+    return 256 * lowBytes + highBytes;
+  else
+    return 256 * highBytes + lowBytes;
 }
 
-std::uint64_t SumPlainBlock(const unsigned char* block, bool first) {
-  const std::size_t from = first ? kSummedFrom : 0;
-  return SumWords(block + from, kBlockSize - from);
+std::uint64_t SumPlainBlock(const std::uint16_t* block, bool first) {
+  const std::size_t from = first ? kSummedFrom / 2 : 0;
+  return SumWords(block + from, kHalfBlock - from);
 }
 
 // The first half holds the odd (low) logical bytes, the second the even (high) ones.
@@ -158,8 +151,8 @@ public:
 
   // `blocks` whole blocks stored from file offset `start`; logical 0x000-0x1FF left out of the
   // first one when `skipHeader`.
-  Result<std::uint64_t> Blocks(std::uint64_t start, std::uint64_t blocks, bool interleaved,
-                               bool skipHeader) {
+  Result<std::uint64_t> SumBlocks(std::uint64_t start, std::uint64_t blocks, bool interleaved,
+                                  bool skipHeader) {
     std::uint64_t total = 0;
     for (std::uint64_t done = 0; done < blocks;) {
       const auto count =
@@ -167,9 +160,9 @@ public:
       const std::uint64_t offset = start + done * kBlockSize;
       if (Status read = Read(offset, count * kBlockSize); !read) return read.error();
       for (std::size_t b = 0; b < count; ++b, ++done) {
-        const unsigned char* block = Buffer() + b * kBlockSize;
         const bool first = skipHeader && done == 0;
-        total += interleaved ? SumInterleavedBlock(block, first) : SumPlainBlock(block, first);
+        total += interleaved ? SumInterleavedBlock(Bytes() + b * kBlockSize, first)
+                             : SumPlainBlock(Words() + b * kHalfBlock, first);
         m_progress.Position(offset + (b + 1) * kBlockSize, m_length);
       }
     }
@@ -177,12 +170,12 @@ public:
   }
 
   // Every byte of [start, start + count).
-  Result<std::uint64_t> Bytes(std::uint64_t start, std::uint64_t count) {
+  Result<std::uint64_t> SumRange(std::uint64_t start, std::uint64_t count) {
     std::uint64_t total = 0;
     for (std::uint64_t done = 0; done < count;) {
       const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(kReadSize, count - done));
       if (Status read = Read(start + done, size); !read) return read.error();
-      total += SumBytes(Buffer(), size);
+      total += SumBytes(Bytes(), size);
       done += size;
     }
     return total;
@@ -192,20 +185,23 @@ public:
 
 private:
   Status Read(std::uint64_t offset, std::size_t size) {
-    if (!m_buffer) m_buffer = std::make_unique_for_overwrite<char[]>(kReadSize);
-    if (m_file.ReadInto(offset, std::span<char>(m_buffer.get(), size)) != size)
+    if (!m_buffer) m_buffer = std::make_unique_for_overwrite<std::uint16_t[]>(kReadSize / 2);
+    if (m_file.ReadInto(offset, std::span<char>(reinterpret_cast<char*>(m_buffer.get()), size)) !=
+        size)
       return Error{"Cannot read all of " + PathToUtf8(m_file.Path()) +
                    ": it changed while it was being read."};
     return {};
   }
-  const unsigned char* Buffer() const {
+  // The buffer holds 16-bit words for the word sums; its bytes may be read as well.
+  const std::uint16_t* Words() const { return m_buffer.get(); }
+  const unsigned char* Bytes() const {
     return reinterpret_cast<const unsigned char*>(m_buffer.get());
   }
 
   const BinaryFile& m_file;
   ProgressReport& m_progress;
   std::uint64_t m_length;
-  std::unique_ptr<char[]> m_buffer;
+  std::unique_ptr<std::uint16_t[]> m_buffer;
 };
 
 // The whole blocks after an SMD file's or volume's copier header. A tail shorter than a block
@@ -215,7 +211,7 @@ Result<std::uint64_t> SumSmd(const BinaryFile& file, bool skipHeader, ProgressRe
   const std::uint64_t length = summer.Length();
   const std::uint64_t blocks =
       length > kCopierHeaderSize ? (length - kCopierHeaderSize) / kBlockSize : 0;
-  return summer.Blocks(kCopierHeaderSize, blocks, true, skipHeader);
+  return summer.SumBlocks(kCopierHeaderSize, blocks, true, skipHeader);
 }
 
 // Each half of the whole-file interleave past its first 0x100 bytes (logical 0x000-0x1FF).
@@ -225,10 +221,10 @@ Result<std::uint64_t> SumMd(const BinaryFile& file, ProgressReport& progress) {
   const std::uint64_t skip = kSummedFrom / 2;
   const std::uint64_t count = half > skip ? half - skip : 0;
   progress.Percent(0);
-  auto low = summer.Bytes(skip, count);
+  auto low = summer.SumRange(skip, count);
   if (!low) return low.error();
   progress.Percent(50);
-  auto high = summer.Bytes(half + skip, count);
+  auto high = summer.SumRange(half + skip, count);
   if (!high) return high.error();
   return *low + 256 * *high;
 }
@@ -256,10 +252,12 @@ Result<std::uint64_t> SumSplitSet(const BinaryFile& file, ProgressReport& progre
 }  // namespace
 
 std::uint16_t ChecksumOfLogicalImage(std::string_view logical) {
-  const auto* bytes = reinterpret_cast<const unsigned char*>(logical.data());
+  std::vector<std::uint16_t> block(kHalfBlock);
   std::uint64_t total = 0;
-  for (std::size_t at = 0; at + kBlockSize <= logical.size(); at += kBlockSize)
-    total += SumPlainBlock(bytes + at, at == 0);
+  for (std::size_t at = 0; at + kBlockSize <= logical.size(); at += kBlockSize) {
+    std::memcpy(block.data(), logical.data() + at, kBlockSize);
+    total += SumPlainBlock(block.data(), at == 0);
+  }
   return static_cast<std::uint16_t>(total);
 }
 
@@ -271,7 +269,7 @@ Result<std::uint16_t> CalcChecksum(const BinaryFile& file, Layout layout, Host* 
   switch (layout) {
     case Layout::Bin: {
       Summer summer(file, report);
-      total = summer.Blocks(0, summer.Length() / kBlockSize, false, true);
+      total = summer.SumBlocks(0, summer.Length() / kBlockSize, false, true);
       break;
     }
     case Layout::Smd:

@@ -101,8 +101,8 @@ RepairOutcome CheckRomSize(Host& host, const std::filesystem::path& image,
 
   // The advised repair on the default button; cutting a file that is already short makes no
   // sense, so Truncate is only offered for a longer one.
-  box.yes.caption = "&Fix header";
-  box.no.caption = "&Truncate";
+  box.yes.caption = kFixHeaderCaption;
+  box.no.caption = kTruncateCaption;
   box.no.hidden = !longer;
   const int answer = host.ShowQuestionBox(box);
   Status repaired;

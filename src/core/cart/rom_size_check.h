@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string_view>
 
 #include "core/cart/header_repair.h"
 #include "core/cart/layout.h"
@@ -10,6 +11,10 @@
 namespace romsteward {
 
 class Host;
+
+/// Captions of the two repairs in the size question box.
+inline constexpr std::string_view kFixHeaderCaption = "&Fix header";
+inline constexpr std::string_view kTruncateCaption = "&Truncate";
 
 /// The pure ROM data an image holds, which is what its header's ROM range describes: an SMD
 /// file less its copier header; a split set's volumes less every volume's copier header (a
