@@ -45,7 +45,10 @@ Status WriteChecksumBytes(const std::filesystem::path& image, std::string_view b
     return Error{PathToUtf8(image) + " is read-only; its checksum was not changed."};
   auto file = BinaryFile::Open(image, BinaryFile::Mode::ReadWrite);
   if (!file) return file.error();
-  return WriteHeaderBytes(bytes, *file, header_field::kChecksum.offset, DetectRomFormat(*file));
+  const Layout layout = DetectRomFormat(*file);
+  // A later volume's bytes at 0x18E are ROM data of the middle of the cartridge.
+  if (layout == Layout::SplitLater || layout == Layout::NoRom) return {};
+  return WriteHeaderBytes(bytes, *file, header_field::kChecksum.offset, layout);
 }
 
 Status WriteChecksum(const std::filesystem::path& image, std::uint16_t value) {

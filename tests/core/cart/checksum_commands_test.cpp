@@ -114,6 +114,17 @@ TEST_F(ChecksumCommandsTest, BackupAndRestoreRoundTripKeepsZeroBytes) {
   }
 }
 
+TEST_F(ChecksumCommandsTest, ALaterSplitVolumeHasNoHeaderToWrite) {
+  const auto volumes =
+      test::WriteSplitSet(PathOf("game"), test::MakeCartridge(64 * 1024), 32 * 1024);
+  const std::string before = test::ReadTestFile(volumes[1]);
+  test::ScriptedHost host;
+  host.AnswerQuestionBox(kEscolhaYes);
+  CheckCrc(host, Settings(), volumes[1], "game.2");
+  EXPECT_EQ(host.EventsOf(test::PromptKind::QuestionBox).size(), 1u) << host.Transcript();
+  EXPECT_EQ(test::ReadTestFile(volumes[1]), before);
+}
+
 TEST_F(ChecksumCommandsTest, RestoringWithoutABackupWritesNothing) {
   const auto image = WriteSmd(0x1234, 0xBEEF);
   const std::string before = test::ReadTestFile(image);
