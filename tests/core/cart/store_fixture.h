@@ -9,21 +9,15 @@
 
 namespace romsteward::test {
 
-/// A temporary directory with a settings store in it; Reopen() starts over from the file, as a
-/// restarted program would.
+/// A temporary directory with a settings store; Reopen() reads it afresh, as a restart would.
 class StoreTest : public TempDirTest {
 protected:
   void SetUp() override { Reopen(); }
-
   void Reopen() {
     m_settings.reset();
-    m_store.reset();
-    auto store = RegistryStore::Open(PathOf("settings.sqlite3"));
-    ASSERT_TRUE(store) << store.error().message;
-    m_store = std::move(store).value();
+    m_store = RegistryStore::Open(PathOf("settings.sqlite3")).value();
     m_settings = std::make_unique<AppSettings>(*m_store);
   }
-
   AppSettings& Settings() { return *m_settings; }
 
 private:
