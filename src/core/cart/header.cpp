@@ -52,7 +52,10 @@ std::string DecodeIoDevices(std::string_view field) {
 
 std::string DecodeCountries(std::string_view field) {
   std::string result;
-  for (char c : TrimBlanks(RemoveNuls(field))) {
+  // The string without NULs must outlive the loop: the range would otherwise view a
+  // temporary that is gone before the first character is read.
+  const std::string codes = RemoveNuls(field);
+  for (char c : TrimBlanks(codes)) {
     if (!result.empty() && result.back() != ',') result += ',';
     switch (ToUpperAscii(c)) {
       case 'J': result += "Japan"; break;
