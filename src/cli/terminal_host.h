@@ -52,9 +52,9 @@ public:
   bool IsShiftHeld() override { return false; }
 
 private:
-  /// A line typed in answer; nullopt at the end of input.
+  // A line typed in answer; nullopt at the end of input.
   std::optional<std::string> ReadLine();
-  /// Asks `prompt` until one of `answers` (or their first letters) is typed.
+  // Asks until y or n (or c, when `keys` holds it) is typed; `onEnd` when input ends.
   Answer AskChoice(std::string_view question, std::string_view keys, Answer onEnd);
   std::optional<std::string> AskPath(std::string_view title, std::string_view detail);
   void Report(std::string_view question, std::string_view answer, std::string_view why);

@@ -89,6 +89,7 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddConvertCommand(app, context);
   AddDemoCommand(app, context);
   AddSettingsCommand(app, context);
+  AddOptionsCommand(app, context);
   AddChecksumCommand(app, context);
   AddRestoreChecksumCommand(app, context);
   AddRepairCommand(app, context);

@@ -88,6 +88,7 @@ void AddInfoCommand(CLI::App& app, ToolContext& context);
 void AddConvertCommand(CLI::App& app, ToolContext& context);
 void AddDemoCommand(CLI::App& app, ToolContext& context);
 void AddSettingsCommand(CLI::App& app, ToolContext& context);
+void AddOptionsCommand(CLI::App& app, ToolContext& context);
 void AddChecksumCommand(CLI::App& app, ToolContext& context);
 void AddRestoreChecksumCommand(CLI::App& app, ToolContext& context);
 void AddRepairCommand(CLI::App& app, ToolContext& context);

@@ -2,44 +2,50 @@
 
 #include <gtest/gtest.h>
 
-#include "support/temp_dir.h"
+#include "core/settings/stored_values.h"
+#include "support/settings_fixture.h"
 
 namespace romsteward {
 namespace {
 
-class AppSettingsTest : public test::TempDirTest {
-protected:
-  void SetUp() override {
-    auto store = RegistryStore::Open(PathOf("settings.sqlite3"));
-    ASSERT_TRUE(store) << store.error().message;
-    m_store = std::move(store).value();
-    m_settings = std::make_unique<AppSettings>(*m_store);
-  }
-  std::unique_ptr<RegistryStore> m_store;
-  std::unique_ptr<AppSettings> m_settings;
-};
+using AppSettingsTest = test::SettingsTest;
 
 TEST_F(AppSettingsTest, SectionsLiveUnderTheApplicationsKey) {
   EXPECT_EQ(SectionKeyPath("Settings"),
             "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\Genesis Romsteward - "
             "\\Settings");
-  ASSERT_TRUE(m_settings->SaveSetting("Cartridge", "SONIC.BIN.Joy", "0"));
-  EXPECT_EQ(m_store->GetValue(SectionKeyPath("Cartridge"), "SONIC.BIN.Joy").value(), "0");
+  ASSERT_TRUE(Settings().SaveSetting("Cartridge", "SONIC.BIN.Joy", "0"));
+  EXPECT_EQ(Store().GetValue(SectionKeyPath("Cartridge"), "SONIC.BIN.Joy").value(), "0");
 }
 
 TEST_F(AppSettingsTest, GetFallsBackOnlyWhenMissing) {
-  EXPECT_EQ(m_settings->GetSetting("Settings", "frm", "2"), "2");
-  EXPECT_EQ(m_settings->GetSetting("Settings", "frm"), "");
-  ASSERT_TRUE(m_settings->SaveSetting("Settings", "Ksnd", ""));
+  EXPECT_EQ(Settings().GetSetting("Settings", "frm", "2"), "2");
+  EXPECT_EQ(Settings().GetSetting("Settings", "frm"), "");
+  ASSERT_TRUE(Settings().SaveSetting("Settings", "Ksnd", ""));
   // A stored empty value is a value: the fallback does not replace it.
-  EXPECT_EQ(m_settings->GetSetting("settings", "ksnd", "c"), "");
+  EXPECT_EQ(Settings().GetSetting("settings", "ksnd", "c"), "");
 }
 
 TEST_F(AppSettingsTest, DeleteReportsAMissingValue) {
-  ASSERT_TRUE(m_settings->SaveSettings("Settings", {{"cart", "True"}, {"tray", "False"}}));
-  EXPECT_TRUE(m_settings->DeleteSetting("Settings", "CART"));
-  EXPECT_FALSE(m_settings->DeleteSetting("Settings", "cart"));
-  EXPECT_EQ(m_settings->GetSetting("Settings", "tray"), "False");
+  ASSERT_TRUE(Settings().SaveSettings("Settings", {{"cart", "True"}, {"tray", "False"}}));
+  EXPECT_TRUE(Settings().DeleteSetting("Settings", "CART"));
+  EXPECT_FALSE(Settings().DeleteSetting("Settings", "cart"));
+  EXPECT_EQ(Settings().GetSetting("Settings", "tray"), "False");
+}
+
+TEST(StoredValues, NumbersConvertAsAControlTakesThem) {
+  EXPECT_EQ(StoredNumber("1"), 1);
+  EXPECT_EQ(StoredNumber(" 7 "), 7);
+  EXPECT_EQ(StoredNumber("-2"), -2);
+  EXPECT_EQ(StoredNumber("1.5"), 2);  // half to even
+  EXPECT_EQ(StoredNumber("2.5"), 2);
+  for (const char* bad : {"", "a", "c", "x", "1e3", "1,5", "99999999999"}) {
+    EXPECT_EQ(StoredNumber(bad), std::nullopt) << bad;
+  }
+  EXPECT_EQ(StoredBoolean("true"), true);
+  EXPECT_EQ(StoredBoolean("False"), false);
+  EXPECT_EQ(StoredBoolean("-1"), true);
+  EXPECT_EQ(StoredBoolean("yes"), std::nullopt);
 }
 
 }  // namespace
