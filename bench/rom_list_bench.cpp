@@ -6,10 +6,12 @@
 #include <fstream>
 #include <memory>
 #include <random>
+#include <sstream>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "cli/terminal_host.h"
 #include "core/app/host.h"
 #include "core/app/main_window_model.h"
 #include "core/common/strings.h"
@@ -21,37 +23,6 @@ namespace romsteward {
 namespace {
 
 constexpr int kFiles = 10000;
-
-// Nothing is asked while a list is refreshed; any prompt would be a fault of the benchmark.
-class SilentHost : public Host {
-public:
-  void ShowMessage(std::string_view, MessageIcon, std::string_view) override {}
-  Answer AskYesNo(std::string_view, MessageIcon, std::string_view) override { return Answer::No; }
-  Answer AskYesNoCancel(std::string_view, MessageIcon, std::string_view) override {
-    return Answer::Cancel;
-  }
-  int ShowQuestionBox(const QuestionBox&) override { return kEscolhaClosed; }
-  std::optional<std::string> AskText(std::string_view, std::string_view, std::string_view,
-                                     bool) override {
-    return std::nullopt;
-  }
-  std::optional<std::string> ChooseOpenFile(const FileDialog&) override { return std::nullopt; }
-  std::vector<std::string> ChooseOpenFiles(const FileDialog&) override { return {}; }
-  std::optional<std::string> ChooseSaveFile(const FileDialog&) override { return std::nullopt; }
-  std::optional<std::string> ChooseFolder(std::string_view, std::string_view) override {
-    return std::nullopt;
-  }
-  std::optional<std::string> ChooseFromList(std::string_view,
-                                            const std::vector<std::string>&) override {
-    return std::nullopt;
-  }
-  void BeginProgress(std::string_view) override {}
-  void SetProgressCaption(std::string_view) override {}
-  bool SetProgress(int) override { return true; }
-  void EndProgress() override {}
-  bool IsShiftHeld() override { return false; }
-  int ChooseSplitSize(SplitSizeChooser&) override { return 0; }
-};
 
 // Names as collections have them: titles of a few words, region tags, the four image
 // extensions and some other files; in the random order a file system hands them out.
@@ -116,7 +87,11 @@ void RefreshRomList(benchmark::State& state, SortOrder order) {
     state.SkipWithError("cannot create the test collection");
     return;
   }
-  SilentHost host;
+  // Nothing is asked while a list is refreshed; without a terminal every prompt would get
+  // its safe answer and print to the discarded stream.
+  std::istringstream noInput;
+  std::ostringstream discarded;
+  cli::TerminalHost host(noInput, discarded, {});
   MainWindowModel model(host, collection.Settings());
   model.ChooseSort(order);
   if (!model.SetDiret(collection.Dir())) {

@@ -97,6 +97,9 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddJoinFilesCommand(app, context);
   AddListCommand(app, context);
   AddReportCommand(app, context);
+  AddChecksumCommand(app, context);
+  AddRestoreChecksumCommand(app, context);
+  AddRepairCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

@@ -96,5 +96,8 @@ void AddJoinCommand(CLI::App& app, ToolContext& context);
 void AddJoinFilesCommand(CLI::App& app, ToolContext& context);
 void AddListCommand(CLI::App& app, ToolContext& context);
 void AddReportCommand(CLI::App& app, ToolContext& context);
+void AddChecksumCommand(CLI::App& app, ToolContext& context);
+void AddRestoreChecksumCommand(CLI::App& app, ToolContext& context);
+void AddRepairCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli

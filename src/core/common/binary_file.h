@@ -49,7 +49,8 @@ private:
 /// Whole file in memory; a clear error naming the file when it cannot be read.
 Result<std::string> ReadWholeFile(const std::filesystem::path& path);
 
-/// Whether the current user may write the file (the read-only attribute of old).
+/// Whether the current user may write the file (the read-only attribute of old). A file
+/// without any write permission bit counts as read-only even for the superuser.
 bool IsWritableByUser(const std::filesystem::path& path);
 
 }  // namespace romsteward

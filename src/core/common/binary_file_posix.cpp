@@ -106,7 +106,11 @@ Result<std::string> ReadWholeFile(const std::filesystem::path& path) {
 }
 
 bool IsWritableByUser(const std::filesystem::path& path) {
-  return ::access(path.c_str(), W_OK) == 0;
+  if (::access(path.c_str(), W_OK) != 0) return false;
+  // A file with no write permission for anyone was marked read-only on purpose; the
+  // superuser, whom access() always lets write, keeps off it as well.
+  struct stat info {};
+  return ::stat(path.c_str(), &info) == 0 && (info.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) != 0;
 }
 
 }  // namespace romsteward

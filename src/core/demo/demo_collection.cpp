@@ -30,21 +30,19 @@ CartridgeSpec Cart(std::string maker, std::string name, std::string countries,
   return spec;
 }
 
-// Volumes of `volumeKib` KiB each, every one with its own copier header.
-std::vector<std::string> SplitVolumes(const std::string& logical, std::size_t volumeKib) {
+}  // namespace
+
+std::vector<std::string> BuildSplitVolumes(std::string_view logical, std::size_t volumeBytes) {
   std::vector<std::string> volumes;
-  const std::size_t step = volumeKib * 1024;
-  for (std::size_t at = 0; at < logical.size(); at += step) {
-    const std::string data = EncodeImage(logical.substr(at, step), Layout::Smd)
+  for (std::size_t at = 0; at < logical.size(); at += volumeBytes) {
+    const std::string data = EncodeImage(logical.substr(at, volumeBytes), Layout::Smd)
                                  .substr(kCopierHeaderSize);
-    const bool more = at + step < logical.size();
+    const bool more = at + volumeBytes < logical.size();
     const auto blocks = static_cast<std::int64_t>((data.size() + kCopierHeaderSize) / kBlockSize);
     volumes.push_back(BuildSmdHeader(blocks, more) + data);
   }
   return volumes;
 }
-
-}  // namespace
 
 Result<std::string> BuildZipArchive(
     const std::vector<std::pair<std::string, std::string>>& members) {
@@ -95,9 +93,8 @@ Status WriteDemoCollection(const std::filesystem::path& dir) {
       EncodeImage(BuildCartridgeImage(Cart("(C)ACLD 1991.AUG", "QUIET ORBIT", "J", "JK", 256, 3)),
                   Layout::Md));
 
-  const auto volumes =
-      SplitVolumes(BuildCartridgeImage(Cart("(C)T-81 1993.AUG", "IRON MEADOW", "E", "J4", 768, 4)),
-                   256);
+  const auto volumes = BuildSplitVolumes(
+      BuildCartridgeImage(Cart("(C)T-81 1993.AUG", "IRON MEADOW", "E", "J4", 768, 4)), 256 * 1024);
   for (std::size_t i = 0; i < volumes.size(); ++i)
     add("Iron Meadow." + std::to_string(i + 1), volumes[i]);
 

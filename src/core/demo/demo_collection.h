@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -13,6 +14,10 @@ namespace romsteward {
 /// a split set, an image with a wrong checksum, one with backup RAM, a file that is no image
 /// and a ZIP archive holding two images. Only the collection's own files are replaced.
 Status WriteDemoCollection(const std::filesystem::path& dir);
+
+/// The volumes of a split set holding `logical` (whole 16 KiB blocks), `volumeBytes` of ROM
+/// data each (the last may be shorter), every one with its own copier header.
+std::vector<std::string> BuildSplitVolumes(std::string_view logical, std::size_t volumeBytes);
 
 /// A ZIP archive (deflated members) of the given names and contents, built in memory.
 Result<std::string> BuildZipArchive(const std::vector<std::pair<std::string, std::string>>& members);

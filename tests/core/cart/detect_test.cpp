@@ -105,9 +105,9 @@ TEST(DetectByName, OnlyKnownExtensionsInAnyCase) {
   EXPECT_EQ(DetectRomFormat(nullptr, "game"), Layout::NoRom);
 }
 
-class RomSizeTest : public DetectTest {};
+class RomSizeMbitTest : public DetectTest {};
 
-TEST_F(RomSizeTest, NoRoundingAndHeaderCounted) {
+TEST_F(RomSizeMbitTest, NoRoundingAndHeaderCounted) {
   // 4,194,816 bytes of SMD (header included) is 32 Mbit; 4,194,303 bytes of BIN is 31.
   const auto smd = m_dir.Write("big.smd", std::string(4194816, '\0'));
   const auto bin = m_dir.Write("big.bin", std::string(4194303, '\0'));
@@ -117,7 +117,7 @@ TEST_F(RomSizeTest, NoRoundingAndHeaderCounted) {
   EXPECT_EQ(RomSizeMbit(*binFile, bin.string(), Layout::Bin), 31);
 }
 
-TEST_F(RomSizeTest, SplitSetCountsEveryVolumeAndOneHeader) {
+TEST_F(RomSizeMbitTest, SplitSetCountsEveryVolumeAndOneHeader) {
   const std::string volume = BuildSmdHeader(32, true) + std::string(32 * kBlockSize, 0);
   for (const char* name : {"g.1", "g.2", "g.3"}) m_dir.Write(name, volume);
   m_dir.Write("g.5", volume);  // after a gap: not part of the set

@@ -1,0 +1,98 @@
+// romsteward-tool checksum: whether each image's stored checksum is right, and the fix.
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <ostream>
+
+#include "cli/tool.h"
+#include "core/cart/checksum_commands.h"
+#include "core/common/binary_file.h"
+#include "core/common/strings.h"
+#include "core/settings/app_settings.h"
+
+namespace romsteward::cli {
+
+namespace {
+
+struct ChecksumOptions {
+  bool fix = false;
+  bool backup = false;
+  std::vector<std::string> files;
+};
+
+// Checks one file and fixes it when asked; returns the file's exit status.
+int CheckFile(const std::string& name, const ChecksumOptions& options, AppSettings* settings,
+              ToolContext& context) {
+  const std::filesystem::path path = Utf8ToPath(name);
+  const std::string shown = EscapeForDisplay(name);
+  auto state = ReadChecksumState(path, &context.host());
+  if (!state) {
+    context.err << state.error().message << '\n';
+    return kExitError;
+  }
+  if (state->layout == Layout::NoRom || state->layout == Layout::SplitLater) {
+    context.err << shown
+                << (state->layout == Layout::NoRom
+                        ? " is not a cartridge image.\n"
+                        : " is a later volume of a split set; check its first volume.\n");
+    return kExitError;
+  }
+
+  std::string line =
+      fmt::format("{}: {} (stored {:X}, computed {:X})", shown,
+                  state->Correct() ? "correct" : "wrong", state->stored, state->computed);
+  if (state->Correct() || !options.fix) {
+    context.out << line << '\n';
+    return state->Correct() ? kExitOk : kExitFailure;
+  }
+  // Checked before the backup, so no value is kept for a write that cannot happen.
+  if (!IsWritableByUser(path)) {
+    context.out << line << ", read-only: not fixed\n";
+    return kExitError;
+  }
+  // The backup is named as the program's list names the image: by its file name.
+  const std::string entry = PathToUtf8(path.filename());
+  if (settings != nullptr) {
+    if (Status kept = KeepChecksumBackup(*settings, entry, state->stored); !kept) {
+      context.out << line << ": not fixed\n";
+      context.err << "Cannot keep the old checksum of " << shown << ": " << kept.error().message
+                  << '\n';
+      return kExitError;
+    }
+  }
+  if (Status written = WriteChecksum(path, state->computed); !written) {
+    context.out << line << ": not fixed\n";
+    context.err << written.error().message << '\n';
+    return kExitError;
+  }
+  context.out << line << (settings != nullptr ? ", fixed, old value kept\n" : ", fixed\n");
+  return kExitOk;
+}
+
+int RunChecksum(const ChecksumOptions& options, ToolContext& context) {
+  AppSettings* settings = nullptr;
+  if (options.backup && (settings = context.SettingsOrReport()) == nullptr) return kExitError;
+  int status = kExitOk;
+  for (const std::string& name : options.files)
+    status = std::max(status, CheckFile(name, options, settings, context));
+  return status;
+}
+
+}  // namespace
+
+void AddChecksumCommand(CLI::App& app, ToolContext& context) {
+  auto options = std::make_shared<ChecksumOptions>();
+  CLI::App* command = app.add_subcommand(
+      "checksum", "Tell whether each image's stored checksum is correct; exit 1 if any is wrong");
+  CLI::Option* fix =
+      command->add_flag("--fix", options->fix, "Write the computed checksum into wrong images");
+  command
+      ->add_flag("--backup", options->backup,
+                 "Keep the old checksum in the settings first (restore-checksum puts it back)")
+      ->needs(fix);
+  command->add_option("files", options->files, "Image files")->required();
+  command->callback([options, &context] { context.status = RunChecksum(*options, context); });
+}
+
+}  // namespace romsteward::cli

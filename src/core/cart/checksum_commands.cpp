@@ -1,0 +1,130 @@
+#include "core/cart/checksum_commands.h"
+
+#include <fmt/format.h>
+
+#include "core/app/host.h"
+#include "core/cart/checksum.h"
+#include "core/cart/detect.h"
+#include "core/cart/header.h"
+#include "core/cart/logical_io.h"
+#include "core/common/binary_file.h"
+#include "core/common/strings.h"
+#include "core/settings/app_settings.h"
+
+namespace romsteward {
+
+namespace {
+
+constexpr std::string_view kRegistryError = "Error in system registry! Is it corrupt?";
+
+std::string Hex(std::uint16_t value) {
+  return fmt::format("{:X}", value);
+}
+
+void ShowError(Host& host, const Error& error) {
+  host.ShowMessage(error.message, MessageIcon::Critical, {});
+}
+
+}  // namespace
+
+Result<ChecksumState> ReadChecksumState(const std::filesystem::path& image, Host* progress) {
+  auto file = BinaryFile::Open(image);
+  if (!file) return file.error();
+  ChecksumState state;
+  state.layout = DetectRomFormat(*file);
+  state.stored = ReadHeaderChecksum(ReadLogicalBytes(
+      *file, state.layout, header_field::kChecksum.offset, header_field::kChecksum.width));
+  auto computed = CalcChecksum(*file, state.layout, progress);
+  if (!computed) return computed.error();
+  state.computed = *computed;
+  return state;
+}
+
+Status WriteChecksumBytes(const std::filesystem::path& image, std::string_view bytes) {
+  if (!IsWritableByUser(image))
+    return Error{PathToUtf8(image) + " is read-only; its checksum was not changed."};
+  auto file = BinaryFile::Open(image, BinaryFile::Mode::ReadWrite);
+  if (!file) return file.error();
+  const Layout layout = DetectRomFormat(*file);
+  // A later volume's bytes at 0x18E are ROM data of the middle of the cartridge.
+  if (layout == Layout::SplitLater || layout == Layout::NoRom) return {};
+  return WriteHeaderBytes(bytes, *file, header_field::kChecksum.offset, layout);
+}
+
+Status WriteChecksum(const std::filesystem::path& image, std::uint16_t value) {
+  return WriteChecksumBytes(image, NumberToBytes(value, 2));
+}
+
+Status KeepChecksumBackup(AppSettings& settings, std::string_view entry, std::uint16_t value) {
+  return settings.SaveSetting(kSectionCrcs, entry, NumberToBytes(value, 2));
+}
+
+bool HasChecksumBackup(const AppSettings& settings, std::string_view entry) {
+  return settings.Store().HasValue(SectionKeyPath(kSectionCrcs), entry);
+}
+
+Result<std::string> ReadChecksumBackup(const AppSettings& settings, std::string_view entry) {
+  auto value = settings.Store().GetValue(SectionKeyPath(kSectionCrcs), entry);
+  if (!value) return value.error();
+  if (value->size() != 2)
+    return Error{"The checksum kept for " + std::string(entry) + " is not two bytes long."};
+  return value;
+}
+
+Status DeleteChecksumBackup(AppSettings& settings, std::string_view entry) {
+  return settings.DeleteSetting(kSectionCrcs, entry);
+}
+
+void CheckCrc(Host& host, AppSettings& settings, const std::filesystem::path& image,
+              std::string_view entry) {
+  auto state = ReadChecksumState(image, &host);
+  if (!state) return ShowError(host, state.error());
+
+  if (state->Correct()) {
+    host.ShowMessage("The CRC " + Hex(state->stored) + " is correct!", MessageIcon::Exclamation,
+                     {});
+    return;
+  }
+
+  QuestionBox box;
+  box.title = "CRC error!";
+  box.text = "The CRC " + Hex(state->stored) + " is wrong! It should be " + Hex(state->computed) +
+             ". Do you want to fix it?";
+  box.cancel.caption = "&Fix 'n Save";
+  box.cancel.tooltip = "Fixes CRC and backup the old one";
+  const int answer = host.ShowQuestionBox(box);
+  if (answer != kEscolhaYes && answer != kEscolhaCancel) return;
+
+  // Refused before the backup is kept: a value kept for a write that never happened would
+  // later "restore" a checksum the image still holds.
+  if (!IsWritableByUser(image)) {
+    return ShowError(host,
+                     Error{PathToUtf8(image) + " is read-only; its checksum was not changed."});
+  }
+  if (answer == kEscolhaCancel && !KeepChecksumBackup(settings, entry, state->stored))
+    host.ShowMessage(kRegistryError, MessageIcon::Critical, {});
+  if (Status written = WriteChecksum(image, state->computed); !written)
+    ShowError(host, written.error());
+}
+
+void RestoreCrc(Host& host, AppSettings& settings, const std::filesystem::path& image,
+                std::string_view entry) {
+  if (host.AskYesNo("Are you sure you want to restore the old CRC?", MessageIcon::Question, {}) !=
+      Answer::Yes)
+    return;
+  auto backup = ReadChecksumBackup(settings, entry);
+  if (!backup) {
+    host.ShowMessage(kRegistryError, MessageIcon::Critical, {});
+    return;
+  }
+  if (Status written = WriteChecksumBytes(image, *backup); !written)
+    return ShowError(host, written.error());
+  if (!DeleteChecksumBackup(settings, entry))
+    host.ShowMessage(kRegistryError, MessageIcon::Critical, {});
+}
+
+bool IsRestoreCrcEnabled(const AppSettings& settings, std::string_view entry) {
+  return HasChecksumBackup(settings, entry);
+}
+
+}  // namespace romsteward
