@@ -29,19 +29,7 @@ std::unique_ptr<MainWindowModel> OpenPlace(ToolContext& context, std::string_vie
 }
 
 std::string PrintableName(std::string_view name) {
-  static constexpr char kDigits[] = "0123456789ABCDEF";
-  std::string out;
-  for (char c : Latin1FallbackToUtf8(name)) {
-    const auto u = static_cast<unsigned char>(c);
-    if (u < 0x20 || u == 0x7F) {
-      out += "\\x";
-      out += kDigits[u >> 4];
-      out += kDigits[u & 15];
-    } else {
-      out += c;
-    }
-  }
-  return out;
+  return EscapeForDisplay(name, /*escapeBackslash=*/false);
 }
 
 }  // namespace romsteward::cli

@@ -140,14 +140,14 @@ std::string Latin1FallbackToUtf8(std::string_view bytes) {
   return out;
 }
 
-std::string EscapeForDisplay(std::string_view bytes) {
+std::string EscapeForDisplay(std::string_view bytes, bool escapeBackslash) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string text = Latin1FallbackToUtf8(bytes);
   std::string out;
   out.reserve(text.size());
   for (char c : text) {
     const auto u = static_cast<unsigned char>(c);
-    if (u < 0x20 || u == 0x7F || c == '\\') {
+    if (u < 0x20 || u == 0x7F || (escapeBackslash && c == '\\')) {
       out += "\\x";
       out += kDigits[u >> 4];
       out += kDigits[u & 15];

@@ -43,9 +43,9 @@ std::string FormatThousands(std::uint64_t value);
 /// Valid UTF-8 for display: well-formed UTF-8 sequences are kept and every other byte is
 /// read as the Latin-1 character of the same value (the single-byte text of old headers).
 std::string Latin1FallbackToUtf8(std::string_view bytes);
-/// Latin1FallbackToUtf8 with control characters (and the backslash) written as \xNN, so
-/// that any bytes print as one readable line.
-std::string EscapeForDisplay(std::string_view bytes);
+/// Latin1FallbackToUtf8 with control characters (and, unless told otherwise, the backslash,
+/// so DecodeHexEscapes can read it back) written as \xNN: any bytes print as one line.
+std::string EscapeForDisplay(std::string_view bytes, bool escapeBackslash = true);
 /// The bytes a text with \xNN escapes stands for (the escapes EscapeForDisplay writes); any
 /// other backslash is an error, so a typing mistake never becomes a stored byte.
 Result<std::string> DecodeHexEscapes(std::string_view text);
