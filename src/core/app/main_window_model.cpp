@@ -8,6 +8,7 @@
 #include "core/library/dir_history.h"
 #include "core/library/place.h"
 #include "core/settings/app_settings.h"
+#include "core/tools/file_system_operations.h"
 
 namespace romsteward {
 
@@ -24,12 +25,17 @@ std::string HistoryKey(std::size_t index) {
 
 }  // namespace
 
-MainWindowModel::MainWindowModel(Host& host, AppSettings& settings)
-    : m_host(host), m_settings(settings) {
+MainWindowModel::MainWindowModel(Host& host, AppSettings& settings, FileOperations* operations)
+    : m_host(host),
+      m_settings(settings),
+      m_ownOperations(operations ? nullptr : std::make_unique<FileSystemOperations>()),
+      m_operations(operations ? *operations : *m_ownOperations) {
   m_texts.caption = kAppTitle;
   m_texts.txtarquivo = kNormalArchive;
   m_texts.txtFiles = "0 file(s)";
 }
+
+MainWindowModel::~MainWindowModel() = default;
 
 void MainWindowModel::LoadListChoices() {
   // A missing or unreadable choice keeps the menu's default, as a fresh install shows it.
@@ -77,7 +83,10 @@ bool MainWindowModel::IsZipListing() const {
 }
 
 void MainWindowModel::RefreshRomList() {
-  const std::string remembered = SelectedText();
+  RescanSelecting(SelectedText());
+}
+
+void MainWindowModel::RescanSelecting(const std::string& remembered) {
   m_entries.clear();
   m_selection.reset();
   if (!m_diret.empty()) {

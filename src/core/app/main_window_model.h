@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,10 +10,12 @@
 #include "core/app/window_controls.h"
 #include "core/library/rom_scan.h"
 #include "core/library/rom_sort.h"
+#include "core/settings/emulator_options.h"
 
 namespace romsteward {
 
 class AppSettings;
+class FileOperations;
 class Host;
 
 enum class TextColour { Normal, Red, Blue };
@@ -32,6 +36,14 @@ struct WindowTexts {
 inline constexpr std::string_view kNormalArchive = "Normal Archive";
 inline constexpr std::string_view kZipFileMarker = "ZIP file";
 inline constexpr std::string_view kSelectAFile = "Select a file!";
+inline constexpr std::string_view kReadOnlyArchive = "Read-only archive";
+inline constexpr std::string_view kNoValidRoms = "No valid roms selected";
+inline constexpr std::string_view kSplittedVolume = "Splitted volume";
+inline constexpr std::string_view kRenameFirstVolume =
+    "Multi-part volumes should have their respective order number as the file extension. "
+    "Romsteward can't work without this standard. Ok to rename current ROM?";
+/// The picture shown for a cartridge that has none of its own, in the program's directory.
+inline constexpr std::string_view kDefaultPicture = "romsteward.jpg";
 
 /// The main window without a screen: the place (`Diret`), its list and selection, the
 /// texts and every menu item's caption, enabled and checked state, and the commands that
@@ -39,7 +51,12 @@ inline constexpr std::string_view kSelectAFile = "Select a file!";
 /// commands; it decides nothing itself. Every question and message goes through the Host.
 class MainWindowModel {
 public:
-  MainWindowModel(Host& host, AppSettings& settings);
+  /// File work (the rename of a first volume, deleting a saved game) goes through
+  /// `operations`; without it the model uses the core's file-system implementation.
+  MainWindowModel(Host& host, AppSettings& settings, FileOperations* operations = nullptr);
+  ~MainWindowModel();
+  MainWindowModel(const MainWindowModel&) = delete;
+  MainWindowModel& operator=(const MainWindowModel&) = delete;
 
   // Start-up.
   /// Checks the "Sort ROMs by", "Show" and "Window's title" entries kept in `ordem`, `show`
@@ -69,6 +86,8 @@ public:
   /// "Window's title": the radio change only; the caption follows at the next selection.
   void ChooseTitle(int index);
   void SetTemporaryDirectory();  ///< "Set temporary directory..."
+  /// "&Activated" of the preview menu: switches the preview picture on or off.
+  void TogglePreview();
 
   ListFilter Filter() const;
   SortOrder Order() const;
@@ -93,9 +112,27 @@ public:
   const WindowControls& Controls() const { return m_controls; }
   /// The top menus and the items that need a selected file, all on or all off.
   void EnableFileMenus(bool enabled);
+  /// The option controls: the selected cartridge's options, or the general ones.
+  const EmulatorOptions& Options() const { return m_options; }
+  EmulatorOptions& Options() { return m_options; }
+
+  /// The delete button beside "Saved Games:": deletes the file of entry `index` of cmbSave
+  /// through the file operations and rebuilds the list. A heading is refused with "You can't
+  /// Delete a file type".
+  void DeleteSavedGame(std::size_t index);
+  /// The preview picture of the selection while "&Activated" is checked: the cartridge's own
+  /// picture, else "romsteward.jpg" in `programDirectory`; nullopt when neither exists, when
+  /// nothing is selected or the preview is off.
+  std::optional<std::string> PreviewPicture(std::string_view programDirectory) const;
 
 private:
   void ShowRomInfo();
+  void RescanSelecting(const std::string& name);
+  bool RenameFirstVolume(const std::string& name);
+  void ShowNonImage(bool zip);
+  void ShowImage(const std::string& name, bool splitLater);
+  void FillSavedGames();
+  std::filesystem::path SelectedPath() const;
   void FillFromDirectory();
   void FillFromZip();
   void SaveDirHistory();
@@ -108,6 +145,9 @@ private:
   std::string m_currentFileName;
   WindowTexts m_texts;
   WindowControls m_controls;
+  EmulatorOptions m_options;
+  std::unique_ptr<FileOperations> m_ownOperations;
+  FileOperations& m_operations;
 };
 
 }  // namespace romsteward

@@ -35,7 +35,7 @@ protected:
   }
   void ExpectFileMenus(bool enabled) {
     EXPECT_EQ(model.Controls()["mnu_conv"].caption, enabled ? "&Convert" : "Select a file!");
-    for (const char* name : {"mnu_file", "mnu_tool", "mnu_addfav", "btncrc", "Btnlista"})
+    for (const char* name : {"mnu_file", "mnu_tool", "mnu_addfav", "Btnlista"})
       EXPECT_EQ(model.Controls()[name].enabled, enabled) << name;
   }
 
