@@ -35,12 +35,6 @@ Layout DetectAt(const std::filesystem::path& path) {
   return file ? DetectRomFormat(*file) : Layout::NoRom;
 }
 
-// The text after the last ".", the whole name when there is none.
-std::string_view Extension(std::string_view name) {
-  const std::size_t dot = name.rfind('.');
-  return dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
-}
-
 std::vector<std::string> SplitCountries(const std::string& countries) {
   std::vector<std::string> items;
   std::size_t from = 0;
@@ -88,7 +82,7 @@ void MainWindowModel::ShowRomInfo() {
   };
   showSplitMenus();
 
-  if (layout == Layout::SplitFirst && !EqualsIgnoreCase(Extension(SelectedText()), "1") &&
+  if (layout == Layout::SplitFirst && !EqualsIgnoreCase(FileExtension(SelectedText()), "1") &&
       m_host.AskYesNo(kRenameFirstVolume, MessageIcon::Critical, kAppTitle) == Answer::Yes) {
     if (!RenameFirstVolume(SelectedText())) return;
     layout = DetectAt(SelectedPath());
