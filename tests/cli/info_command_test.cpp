@@ -14,6 +14,11 @@ namespace {
 
 using romsteward::test::ToolRun;
 ToolRun Tool(const std::vector<std::string>& args) { return romsteward::test::RunToolWith(args); }
+std::string SmallImage() {
+  CartridgeSpec spec;
+  spec.size = 16 * 1024;
+  return BuildCartridgeImage(spec);
+}
 
 TEST(InfoCommand, JsonOfTheDemoCollectionHasExactlyTheDocumentedKeys) {
   romsteward::test::TempDir dir;
@@ -56,9 +61,7 @@ TEST(InfoCommand, OddBytesStillGiveValidJson) {
 
 TEST(InfoCommand, UnreadableFileIsNamedAndTheOthersStillReported) {
   romsteward::test::TempDir dir;
-  CartridgeSpec spec;
-  spec.size = 16 * 1024;
-  const auto good = dir.Write("good.bin", BuildCartridgeImage(spec));
+  const auto good = dir.Write("good.bin", SmallImage());
   const auto missing = (dir / "missing.bin").string();
   const ToolRun run = Tool({"info", missing, good.string()});
   EXPECT_NE(run.status, 0);
@@ -69,9 +72,7 @@ TEST(InfoCommand, UnreadableFileIsNamedAndTheOthersStillReported) {
 
 TEST(ConvertCommand, WritesBesideTheSourceAndRefusesToOverwrite) {
   romsteward::test::TempDir dir;
-  CartridgeSpec spec;
-  spec.size = 16 * 1024;
-  const auto source = dir.Write("game.bin", BuildCartridgeImage(spec));
+  const auto source = dir.Write("game.bin", SmallImage());
   EXPECT_EQ(Tool({"convert", "--to", "smd", source.string()}).status, 0);
   ASSERT_TRUE(std::filesystem::exists(dir / "game.smd"));
 

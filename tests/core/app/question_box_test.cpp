@@ -29,9 +29,7 @@ TEST(QuestionBox, AHiddenButtonCannotAnswer) {
   EXPECT_TRUE(CanAnswer(QuestionBox{}, kEscolhaNo));
   EXPECT_EQ(ButtonFor(box, kEscolhaCancel), &box.cancel);
   EXPECT_EQ(ButtonFor(box, 5), nullptr);
-}
-
-TEST(QuestionBox, CaptionsLoseTheirAccessKeyMarks) {
+  // Captions lose their access-key marks.
   EXPECT_EQ(CaptionText("&Fix 'n Save"), "Fix 'n Save");
   EXPECT_EQ(CaptionText("R&&D &now"), "R&D now");
   EXPECT_EQ(CaptionText("trailing&"), "trailing");
