@@ -32,15 +32,13 @@ TEST(BuildSmdHeader, HoldsExactlyTheCopierBytes) {
   EXPECT_EQ(BuildSmdHeader(257, false)[0], 0);  // not 1
 }
 
-TEST(Offsets, SmdPutsOddBytesFirstInEachBlock) {
+TEST(Offsets, SmdPutsOddBytesFirstAndMdOffsetsInvert) {
   EXPECT_EQ(SmdOffset(0), 512u + 8192u);
   EXPECT_EQ(SmdOffset(1), 512u);
   EXPECT_EQ(SmdOffset(0x101), 512u + 0x80u);  // where "E" of "SEGA" lands
   EXPECT_EQ(SmdOffset(16383), 512u + 8191u);
   EXPECT_EQ(SmdOffset(16384), 512u + 16384u + 8192u);
-}
-
-TEST(Offsets, MdOffsetAndItsInverseAgree) {
+  // The MD offset and its inverse agree.
   const std::uint64_t length = 64;
   for (std::uint64_t o = 0; o < length; ++o) {
     const std::uint64_t q = MdOffset(o, length) + 1;  // 1-based file position
