@@ -13,7 +13,14 @@ namespace romsteward::cli {
 namespace {
 
 using romsteward::test::ToolRun;
-ToolRun Tool(const std::vector<std::string>& args) { return romsteward::test::RunToolWith(args); }
+ToolRun Tool(const std::vector<std::string>& args) {
+  return romsteward::test::RunToolWith(args);
+}
+std::string SmallImage() {
+  CartridgeSpec spec;
+  spec.size = 16 * 1024;
+  return BuildCartridgeImage(spec);
+}
 
 TEST(InfoCommand, JsonOfTheDemoCollectionHasExactlyTheDocumentedKeys) {
   romsteward::test::TempDir dir;
@@ -27,13 +34,14 @@ TEST(InfoCommand, JsonOfTheDemoCollectionHasExactlyTheDocumentedKeys) {
   const auto json = nlohmann::ordered_json::parse(run.out);
   ASSERT_EQ(json.size(), args.size() - 2);
   const std::vector<std::string> keys{
-      "file",      "layout",  "layoutName", "makerDate", "domesticName", "overseasName",
-      "productType", "serial", "version",   "checksum",  "devices",      "romStart",
-      "romEnd",    "romSize", "sramStart",  "sramEnd",   "countries",    "sizeMbit"};
+      "file",        "layout",  "layoutName", "makerDate", "domesticName", "overseasName",
+      "productType", "serial",  "version",    "checksum",  "devices",      "romStart",
+      "romEnd",      "romSize", "sramStart",  "sramEnd",   "countries",    "sizeMbit"};
   std::set<std::string> layouts;
   for (const auto& object : json) {
     std::vector<std::string> names;
-    for (const auto& item : object.items()) names.push_back(item.key());
+    for (const auto& item : object.items())
+      names.push_back(item.key());
     EXPECT_EQ(names, keys);
     layouts.insert(object["layout"].get<std::string>());
     EXPECT_TRUE(object["checksum"].is_number());
@@ -41,7 +49,7 @@ TEST(InfoCommand, JsonOfTheDemoCollectionHasExactlyTheDocumentedKeys) {
   EXPECT_THAT(layouts, ::testing::IsSupersetOf({"BIN", "SMD", "MD", "1", "1*", "NOROM"}));
 }
 
-TEST(InfoCommand, OddBytesStillGiveValidJson) {
+TEST(InfoCommand, OddBytesGiveValidJsonAndUnreadableFilesAreNamed) {
   romsteward::test::TempDir dir;
   CartridgeSpec spec;
   spec.size = 16 * 1024;
@@ -52,26 +60,20 @@ TEST(InfoCommand, OddBytesStillGiveValidJson) {
   ASSERT_EQ(run.status, 0);
   const auto json = nlohmann::json::parse(run.out);  // throws on invalid UTF-8
   EXPECT_EQ(json[0]["domesticName"].get<std::string>(), "\xC3\xA9t\xC3\xA9\x01\"\\\xC3\xBF");
-}
 
-TEST(InfoCommand, UnreadableFileIsNamedAndTheOthersStillReported) {
-  romsteward::test::TempDir dir;
-  CartridgeSpec spec;
-  spec.size = 16 * 1024;
-  const auto good = dir.Write("good.bin", BuildCartridgeImage(spec));
+  // An unreadable file is named and the others are still reported.
+  const auto good = dir.Write("good.bin", SmallImage());
   const auto missing = (dir / "missing.bin").string();
-  const ToolRun run = Tool({"info", missing, good.string()});
-  EXPECT_NE(run.status, 0);
-  EXPECT_THAT(run.err, ::testing::HasSubstr("missing.bin"));
-  EXPECT_THAT(run.out, ::testing::HasSubstr("DEMO CARTRIDGE"));
-  EXPECT_THAT(run.out, ::testing::Not(::testing::HasSubstr("missing.bin")));
+  const ToolRun mixed = Tool({"info", missing, good.string()});
+  EXPECT_NE(mixed.status, 0);
+  EXPECT_THAT(mixed.err, ::testing::HasSubstr("missing.bin"));
+  EXPECT_THAT(mixed.out, ::testing::HasSubstr("DEMO CARTRIDGE"));
+  EXPECT_THAT(mixed.out, ::testing::Not(::testing::HasSubstr("missing.bin")));
 }
 
 TEST(ConvertCommand, WritesBesideTheSourceAndRefusesToOverwrite) {
   romsteward::test::TempDir dir;
-  CartridgeSpec spec;
-  spec.size = 16 * 1024;
-  const auto source = dir.Write("game.bin", BuildCartridgeImage(spec));
+  const auto source = dir.Write("game.bin", SmallImage());
   EXPECT_EQ(Tool({"convert", "--to", "smd", source.string()}).status, 0);
   ASSERT_TRUE(std::filesystem::exists(dir / "game.smd"));
 

@@ -37,9 +37,7 @@ TEST_F(OptionsCommandTest, ACartridgeWithoutASetShowsTheGeneralOptions) {
   const test::ToolRun shown = Run({"options", "show", "--cartridge", "NEW.BIN"});
   EXPECT_THAT(shown.out, HasSubstr("\nkfrm=5\n"));
   EXPECT_THAT(shown.err, HasSubstr("NEW.BIN has no complete option set of its own"));
-}
-
-TEST_F(OptionsCommandTest, TheGeneralSaveKeepsTheMenuChoices) {
+  // The general save keeps the menu choices.
   ASSERT_EQ(Run({"settings", "set", "Settings", "cart", "True"}).status, 0);
   ASSERT_EQ(Run({"options", "save", "cystsnd=1"}).status, 0);
   EXPECT_EQ(Run({"settings", "get", "Settings", "cart"}).out, "True\n");

@@ -43,19 +43,19 @@ TEST_F(SettingsCommandTest, BytesThatAreNotTextTravelEscaped) {
   EXPECT_EQ(Run({"settings", "get", "CRCs", "B.BIN"}).status, cli::kExitFailure);
 }
 
-TEST_F(SettingsCommandTest, OnlyTheApplicationsSectionsAreReached) {
+TEST_F(SettingsCommandTest, BadSectionsOptionsAndStoresAreRefused) {
   const test::ToolRun run = Run({"settings", "set", "Setings", "Joy", "0"});
   EXPECT_EQ(run.status, cli::kExitError);
   EXPECT_THAT(run.err, HasSubstr("Settings, Cartridge, FAVORITE, PATCH, CRCs"));
   EXPECT_FALSE(std::filesystem::exists(StoreFile()));
-}
+  EXPECT_NE(Run({"--yes", "--no", "settings", "list"}).status, 0);  // they exclude each other
 
-TEST_F(SettingsCommandTest, AnUnreadableStoreIsNamedAndLeftAlone) {
+  // An unreadable store is named and left alone.
   WriteTestFile(StoreFile(), "these are my notes, not settings");
-  const test::ToolRun run = Run({"settings", "set", "Settings", "Joy", "0"});
-  EXPECT_EQ(run.status, cli::kExitError);
-  EXPECT_THAT(run.err, HasSubstr(StoreFile()));
-  EXPECT_THAT(run.err, HasSubstr("not a database"));
+  const test::ToolRun unreadable = Run({"settings", "set", "Settings", "Joy", "0"});
+  EXPECT_EQ(unreadable.status, cli::kExitError);
+  EXPECT_THAT(unreadable.err, HasSubstr(StoreFile()));
+  EXPECT_THAT(unreadable.err, HasSubstr("not a database"));
   EXPECT_EQ(ReadTestFile(StoreFile()), "these are my notes, not settings");
 }
 
@@ -68,10 +68,6 @@ TEST_F(SettingsCommandTest, TheStoreIsChosenByOptionThenEnvironment) {
       0);
   EXPECT_EQ(RunToolWith({"settings", "get", "Settings", "temp"}).out, "env\n");
   EXPECT_EQ(Run({"settings", "get", "Settings", "temp"}).out, "opt\n");
-}
-
-TEST_F(SettingsCommandTest, YesAndNoExcludeEachOther) {
-  EXPECT_NE(Run({"--yes", "--no", "settings", "list"}).status, 0);
 }
 
 }  // namespace

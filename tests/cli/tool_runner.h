@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "cli/tool.h"
-#include "support/temp_dir.h"
+#include "support/byte_files.h"
 
 namespace romsteward::test {
 
@@ -33,7 +33,7 @@ inline ToolRun RunToolWith(const std::vector<std::string>& args, const std::stri
 
 /// Fixture for commands that use the settings store: every run gets --settings with a
 /// store file of its own temporary directory.
-class ToolSettingsTest : public TempDirTest {
+class ToolSettingsTest : public ByteFileTest {
 protected:
   std::string StoreFile() const { return PathOf("settings.sqlite3").string(); }
   ToolRun Run(std::vector<std::string> args, const std::string& input = {}) const {

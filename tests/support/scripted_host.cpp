@@ -10,31 +10,12 @@
 namespace romsteward::test {
 
 std::string_view PromptKindName(PromptKind kind) {
-  switch (kind) {
-    case PromptKind::Message:
-      return "message";
-    case PromptKind::YesNo:
-      return "yes/no question";
-    case PromptKind::YesNoCancel:
-      return "yes/no/cancel question";
-    case PromptKind::QuestionBox:
-      return "question box";
-    case PromptKind::Text:
-      return "text input";
-    case PromptKind::OpenFile:
-      return "open-file dialog";
-    case PromptKind::OpenFiles:
-      return "open-files dialog";
-    case PromptKind::SaveFile:
-      return "save-file dialog";
-    case PromptKind::Folder:
-      return "folder dialog";
-    case PromptKind::List:
-      return "list dialog";
-    case PromptKind::SplitSize:
-      return "split size chooser";
-  }
-  return "prompt";
+  static constexpr std::string_view kNames[] = {
+      "message",       "yes/no question",  "yes/no/cancel question", "question box",
+      "text input",    "open-file dialog", "open-files dialog",      "save-file dialog",
+      "folder dialog", "list dialog",      "split size chooser"};
+  const auto index = static_cast<std::size_t>(kind);
+  return index < std::size(kNames) ? kNames[index] : "prompt";
 }
 
 namespace {
@@ -72,48 +53,6 @@ ScriptedHost::~ScriptedHost() {
                   << Transcript();
   }
   if (m_progressOpen) ADD_FAILURE() << "Progress was begun and never ended";
-}
-
-ScriptedHost& ScriptedHost::AnswerYesNo(Answer answer) {
-  m_yesNo.push_back(answer);
-  return *this;
-}
-ScriptedHost& ScriptedHost::AnswerYesNoCancel(Answer answer) {
-  m_yesNoCancel.push_back(answer);
-  return *this;
-}
-ScriptedHost& ScriptedHost::AnswerQuestionBox(int escolha) {
-  m_questionBox.push_back(escolha);
-  return *this;
-}
-ScriptedHost& ScriptedHost::AnswerText(std::optional<std::string> text) {
-  m_text.push_back(std::move(text));
-  return *this;
-}
-ScriptedHost& ScriptedHost::AnswerOpenFile(std::optional<std::string> path) {
-  m_openFile.push_back(std::move(path));
-  return *this;
-}
-ScriptedHost& ScriptedHost::AnswerOpenFiles(std::vector<std::string> paths) {
-  m_openFiles.push_back(std::move(paths));
-  return *this;
-}
-ScriptedHost& ScriptedHost::AnswerSaveFile(std::optional<std::string> path) {
-  m_saveFile.push_back(std::move(path));
-  return *this;
-}
-ScriptedHost& ScriptedHost::AnswerFolder(std::optional<std::string> path) {
-  m_folder.push_back(std::move(path));
-  return *this;
-}
-ScriptedHost& ScriptedHost::AnswerList(std::optional<std::string> choice) {
-  m_list.push_back(std::move(choice));
-  return *this;
-}
-
-ScriptedHost& ScriptedHost::AnswerSplitSize(std::optional<int> megabits) {
-  m_splitSize.push_back(megabits);
-  return *this;
 }
 
 std::vector<HostEvent> ScriptedHost::EventsOf(PromptKind kind) const {
@@ -208,18 +147,18 @@ std::optional<std::string> ScriptedHost::AskText(std::string_view prompt, std::s
 }
 
 std::optional<std::string> ScriptedHost::ChooseOpenFile(const FileDialog& dialog) {
-  const HostEvent& event = Record(DialogEvent(PromptKind::OpenFile, dialog));
-  return Next(m_openFile, event, std::optional<std::string>{});
+  return Next(m_openFile, Record(DialogEvent(PromptKind::OpenFile, dialog)),
+              std::optional<std::string>{});
 }
 
 std::vector<std::string> ScriptedHost::ChooseOpenFiles(const FileDialog& dialog) {
-  const HostEvent& event = Record(DialogEvent(PromptKind::OpenFiles, dialog));
-  return Next(m_openFiles, event, std::vector<std::string>{});
+  return Next(m_openFiles, Record(DialogEvent(PromptKind::OpenFiles, dialog)),
+              std::vector<std::string>{});
 }
 
 std::optional<std::string> ScriptedHost::ChooseSaveFile(const FileDialog& dialog) {
-  const HostEvent& event = Record(DialogEvent(PromptKind::SaveFile, dialog));
-  return Next(m_saveFile, event, std::optional<std::string>{});
+  return Next(m_saveFile, Record(DialogEvent(PromptKind::SaveFile, dialog)),
+              std::optional<std::string>{});
 }
 
 std::optional<std::string> ScriptedHost::ChooseFolder(std::string_view title,

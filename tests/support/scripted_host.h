@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "core/app/host.h"
@@ -50,21 +51,25 @@ public:
   ScriptedHost(const ScriptedHost&) = delete;
   ScriptedHost& operator=(const ScriptedHost&) = delete;
 
-  ScriptedHost& AnswerYesNo(Answer answer);
-  ScriptedHost& AnswerYesNoCancel(Answer answer);
+  ScriptedHost& AnswerYesNo(Answer answer) { return Queue(m_yesNo, answer); }
+  ScriptedHost& AnswerYesNoCancel(Answer answer) { return Queue(m_yesNoCancel, answer); }
   /// `escolha`: 6, 7, 2, or 0 to close the box without a button.
-  ScriptedHost& AnswerQuestionBox(int escolha);
+  ScriptedHost& AnswerQuestionBox(int escolha) { return Queue(m_questionBox, escolha); }
   /// nullopt presses Cancel.
-  ScriptedHost& AnswerText(std::optional<std::string> text);
-  ScriptedHost& AnswerOpenFile(std::optional<std::string> path);
-  ScriptedHost& AnswerOpenFiles(std::vector<std::string> paths);
-  ScriptedHost& AnswerSaveFile(std::optional<std::string> path);
-  ScriptedHost& AnswerFolder(std::optional<std::string> path);
-  ScriptedHost& AnswerList(std::optional<std::string> choice);
+  ScriptedHost& AnswerText(std::optional<std::string> text) { return Queue(m_text, text); }
+  ScriptedHost& AnswerOpenFile(std::optional<std::string> path) { return Queue(m_openFile, path); }
+  ScriptedHost& AnswerOpenFiles(std::vector<std::string> paths) {
+    return Queue(m_openFiles, paths);
+  }
+  ScriptedHost& AnswerSaveFile(std::optional<std::string> path) { return Queue(m_saveFile, path); }
+  ScriptedHost& AnswerFolder(std::optional<std::string> path) { return Queue(m_folder, path); }
+  ScriptedHost& AnswerList(std::optional<std::string> choice) { return Queue(m_list, choice); }
   /// The split size chooser: 1..12 picks that option, any other number is typed into the
   /// custom field, and OK is pressed; nullopt presses Cancel. A refused OK is recorded as
   /// its message and the next queued answer is used, the chooser staying open.
-  ScriptedHost& AnswerSplitSize(std::optional<int> megabits);
+  ScriptedHost& AnswerSplitSize(std::optional<int> megabits) {
+    return Queue(m_splitSize, megabits);
+  }
 
   void SetShiftHeld(bool held) { m_shiftHeld = held; }
   /// SetProgress answers "cancel" from the first report at or above `percent`.
@@ -106,6 +111,11 @@ private:
   template <class T>
   T Next(std::deque<T>& queue, const HostEvent& event, T fallback);
   HostEvent& Record(HostEvent event);
+  template <class T>
+  ScriptedHost& Queue(std::deque<T>& queue, T answer) {
+    queue.push_back(std::move(answer));
+    return *this;
+  }
 
   std::vector<HostEvent> m_events;
   std::deque<Answer> m_yesNo;

@@ -4,7 +4,8 @@
 
 namespace romsteward::test {
 
-void SettingsTest::SetUp() {
+void SettingsTest::Reopen() {
+  Close();
   auto store = RegistryStore::Open(PathOf("settings.sqlite3"));
   ASSERT_TRUE(store) << store.error().message;
   m_store = std::move(store).value();

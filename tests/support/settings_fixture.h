@@ -4,15 +4,20 @@
 
 #include "core/settings/app_settings.h"
 #include "core/settings/registry_store.h"
-#include "support/temp_dir.h"
+#include "support/byte_files.h"
 
 namespace romsteward::test {
 
 /// A fresh settings store in a temporary directory, for tests of anything that reads or
-/// writes settings.
-class SettingsTest : public TempDirTest {
+/// writes settings. Close() lets it go; Reopen() reads it afresh, as a restart would.
+class SettingsTest : public ByteFileTest {
 protected:
-  void SetUp() override;
+  void SetUp() override { Reopen(); }
+  void Reopen();
+  void Close() {
+    m_settings.reset();
+    m_store.reset();
+  }
 
   RegistryStore& Store() { return *m_store; }
   AppSettings& Settings() { return *m_settings; }

@@ -143,10 +143,7 @@ TEST_F(MainWindowModelTest, TheOpenCommandsRefuseWhatCannotBeAPlace) {
                                         "The selected file isn't a valid ZIP volume!",
                                         std::string(kTempFolderMissing)));
   EXPECT_EQ(host.Events()[0].title, "Choose a ROM directory");
-  const test::HostEvent zipDialog = host.Events()[2];
-  EXPECT_EQ(zipDialog.title, "Choose a ZIP directory");
-  EXPECT_EQ(zipDialog.dialog.filters.at(0).description, "Zipped volumes");
-  EXPECT_EQ(zipDialog.dialog.filters.at(0).patterns, "*.zip");
+  EXPECT_EQ(host.Events()[2].title, "Choose a ZIP directory");
   EXPECT_EQ(model.Diret(), "");
   EXPECT_THAT(History(true), ElementsAre("", "", "", "", ""));
 

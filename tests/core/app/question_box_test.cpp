@@ -29,28 +29,23 @@ TEST(QuestionBox, AHiddenButtonCannotAnswer) {
   EXPECT_TRUE(CanAnswer(QuestionBox{}, kEscolhaNo));
   EXPECT_EQ(ButtonFor(box, kEscolhaCancel), &box.cancel);
   EXPECT_EQ(ButtonFor(box, 5), nullptr);
-}
-
-TEST(QuestionBox, CaptionsLoseTheirAccessKeyMarks) {
+  // Captions lose their access-key marks.
   EXPECT_EQ(CaptionText("&Fix 'n Save"), "Fix 'n Save");
   EXPECT_EQ(CaptionText("R&&D &now"), "R&D now");
   EXPECT_EQ(CaptionText("trailing&"), "trailing");
 }
 
-TEST(ScriptedHostTest, AnAnswerForAHiddenButtonFailsTheTest) {
+TEST(ScriptedHostTest, AnswersThePromptCannotTakeFailTheTest) {
   ScriptedHost host;
   host.AnswerQuestionBox(kEscolhaNo);
   int answer = -1;
   EXPECT_NONFATAL_FAILURE(answer = host.ShowQuestionBox(WarningBox()), "is hidden");
   EXPECT_EQ(answer, kEscolhaClosed);
-}
-
-TEST(ScriptedHostTest, AnUnexpectedPromptFailsTheTest) {
-  ScriptedHost host;
-  Answer answer = Answer::Yes;
-  EXPECT_NONFATAL_FAILURE(answer = host.AskYesNo("Overwrite?", MessageIcon::Question, "Save"),
+  // So do an unexpected prompt and an answer a yes/no question cannot give.
+  Answer yesNo = Answer::Yes;
+  EXPECT_NONFATAL_FAILURE(yesNo = host.AskYesNo("Overwrite?", MessageIcon::Question, "Save"),
                           "Unexpected yes/no question titled \"Save\": \"Overwrite?\"");
-  EXPECT_EQ(answer, Answer::No);
+  EXPECT_EQ(yesNo, Answer::No);
   host.AnswerYesNo(Answer::Cancel);
   EXPECT_NONFATAL_FAILURE(host.AskYesNo("Sure?", MessageIcon::Question, ""), "Yes or No");
 }

@@ -4,9 +4,9 @@
 
 #include "core/cart/checksum.h"
 #include "core/common/strings.h"
-#include "store_fixture.h"
 #include "support/cart_images.h"
 #include "support/scripted_host.h"
+#include "support/settings_fixture.h"
 
 namespace romsteward {
 namespace {
@@ -23,7 +23,7 @@ std::string CartridgeWithChecksums(std::uint16_t stored, std::uint16_t actual) {
   return logical.replace(0x18E, 2, NumberToBytes(stored, 2));
 }
 
-class ChecksumCommandsTest : public test::StoreTest {
+class ChecksumCommandsTest : public test::SettingsTest {
 protected:
   std::filesystem::path WriteSmd(std::uint16_t stored, std::uint16_t actual) {
     test::WriteImage(PathOf("image.smd"), CartridgeWithChecksums(stored, actual), Layout::Smd);
@@ -48,9 +48,6 @@ TEST_F(ChecksumCommandsTest, EachAnswerDoesItsPart) {
     const QuestionBox box = host.EventsOf(test::PromptKind::QuestionBox).at(0).box;
     EXPECT_EQ(box.title, "CRC error!");
     EXPECT_EQ(box.text, "The CRC 1234 is wrong! It should be BEEF. Do you want to fix it?");
-    EXPECT_EQ(box.yes.caption, "&Yes");
-    EXPECT_EQ(box.cancel.caption, "&Fix 'n Save");
-    EXPECT_EQ(box.cancel.tooltip, "Fixes CRC and backup the old one");
     EXPECT_EQ(Stored(image), fixed ? 0xBEEF : 0x1234) << answer;
     EXPECT_EQ(IsRestoreCrcEnabled(Settings(), kEntry), answer == 2) << answer;
   }

@@ -1,6 +1,7 @@
+#include "core/cart/convert.h"
+
 #include <gtest/gtest.h>
 
-#include "core/cart/convert.h"
 #include "core/cart/detect.h"
 #include "core/demo/cartridge_builder.h"
 #include "support/temp_dir.h"
@@ -37,15 +38,12 @@ TEST_F(ConvertTest, EveryPairOfLayoutsRoundTrips) {
   }
 }
 
-TEST_F(ConvertTest, RefusesATailThatIsNotAWholeBlock) {
-  const auto source = m_dir.Write("odd.bin", m_logical + "tail");
-  const Status result = ConvertImage(source, Layout::Smd, m_dir / "odd.smd", false);
+TEST_F(ConvertTest, RefusesWhatWouldLoseOrReplaceData) {
+  const auto odd = m_dir.Write("odd.bin", m_logical + "tail");  // not a whole block
+  const Status result = ConvertImage(odd, Layout::Smd, m_dir / "odd.smd", false);
   ASSERT_FALSE(result.ok());
   EXPECT_NE(result.error().message.find("16 KiB"), std::string::npos);
   EXPECT_FALSE(std::filesystem::exists(m_dir / "odd.smd"));
-}
-
-TEST_F(ConvertTest, RefusesWhatWouldLoseOrReplaceData) {
   const auto source = m_dir.Write("game.bin", m_logical);
   m_dir.Write("game.smd", "keep me");
   EXPECT_FALSE(ConvertImage(source, Layout::Smd, m_dir / "game.smd", false).ok());
@@ -61,7 +59,8 @@ TEST_F(ConvertTest, RefusesWhatWouldLoseOrReplaceData) {
     return smd;
   }());
   EXPECT_FALSE(ConvertImage(split, Layout::Bin, m_dir / "set.bin", false).ok());
-  EXPECT_FALSE(ConvertImage(m_dir.Write("n.txt", "text"), Layout::Bin, m_dir / "n.bin", false).ok());
+  EXPECT_FALSE(
+      ConvertImage(m_dir.Write("n.txt", "text"), Layout::Bin, m_dir / "n.bin", false).ok());
 }
 
 TEST(FileNameForLayout, ExtensionFitsTheLayout) {

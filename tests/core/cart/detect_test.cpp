@@ -1,7 +1,8 @@
+#include "core/cart/detect.h"
+
 #include <gtest/gtest.h>
 
 #include "core/cart/convert.h"
-#include "core/cart/detect.h"
 #include "core/cart/interleave.h"
 #include "core/common/binary_file.h"
 #include "core/demo/cartridge_builder.h"
@@ -28,42 +29,29 @@ protected:
   test::TempDir m_dir;
 };
 
-TEST_F(DetectTest, EachLayoutByItsSignature) {
+TEST_F(DetectTest, EachLayoutByItsSignatureWhateverTheExtension) {
   const std::string logical = Logical();
-  EXPECT_EQ(Detect("a.bin", logical), Layout::Bin);
+  EXPECT_EQ(Detect("a.txt", logical), Layout::Bin);
   EXPECT_EQ(Detect("a.smd", EncodeImage(logical, Layout::Smd)), Layout::Smd);
   EXPECT_EQ(Detect("a.md", EncodeImage(logical, Layout::Md)), Layout::Md);
-}
-
-TEST_F(DetectTest, ExtensionDoesNotMatterWhenAFileIsGiven) {
-  EXPECT_EQ(Detect("game.txt", Logical()), Layout::Bin);
   EXPECT_EQ(Detect("game.bin", std::string(0x400, 'x')), Layout::NoRom);
-}
-
-TEST_F(DetectTest, BinSignatureWinsOverInterleavedMarks) {
-  std::string bytes = Logical();
-  bytes[0x280] = 'E';
-  bytes[0x281] = 'A';
-  bytes[0x80] = 'E';
-  bytes[0x81] = 'A';
+  std::string bytes = logical;
+  bytes[0x280] = bytes[0x80] = 'E';  // interleaved marks lose to the plain signature
+  bytes[0x281] = bytes[0x81] = 'A';
   EXPECT_EQ(Detect("a", bytes), Layout::Bin);
+  std::string lower = logical;
+  lower[0x100] = 's';  // the system mark minds the case
+  EXPECT_EQ(Detect("a", lower), Layout::NoRom);
 }
 
-TEST_F(DetectTest, SystemMarkIsCaseSensitive) {
-  std::string bytes = Logical();
-  bytes[0x100] = 's';
-  EXPECT_EQ(Detect("a", bytes), Layout::NoRom);
-}
-
-TEST_F(DetectTest, SplitByteMakesSmdTheFirstVolume) {
+TEST_F(DetectTest, SplitVolumesByTheirCopierHeaders) {
   std::string smd = EncodeImage(Logical(), Layout::Smd);
   smd[2] = 0x40;
   EXPECT_EQ(Detect("a.1", smd), Layout::SplitFirst);
   smd[2] = 0x41;
   EXPECT_EQ(Detect("a.1", smd), Layout::Smd);
-}
 
-TEST_F(DetectTest, LaterVolumeIsKnownByItsExactCopierHeader) {
+  // A later volume is known by its exact copier header.
   const std::size_t length = 2 * kBlockSize + kCopierHeaderSize;
   for (bool more : {false, true}) {
     std::string volume = BuildSmdHeader(2, more) + std::string(length - kCopierHeaderSize, '\x5A');
@@ -75,15 +63,10 @@ TEST_F(DetectTest, LaterVolumeIsKnownByItsExactCopierHeader) {
     volume[at] = static_cast<char>(volume[at] ^ 0x01);
     EXPECT_EQ(Detect("a.2", volume), Layout::NoRom) << "byte " << at;
   }
-}
-
-TEST_F(DetectTest, VolumeOf256BlocksNeedsZeroCount) {
-  const std::size_t data = 256 * kBlockSize;
-  std::string volume = BuildSmdHeader(256, false) + std::string(data, 0);
-  EXPECT_EQ(volume[0], '\0');
-  EXPECT_EQ(Detect("a.2", volume), Layout::SplitLater);
-  volume[0] = 1;  // 256 blocks can only be written as 0
-  EXPECT_EQ(Detect("a.2", volume), Layout::NoRom);
+  std::string full = BuildSmdHeader(256, false) + std::string(256 * kBlockSize, 0);
+  EXPECT_EQ(Detect("a.2", full), Layout::SplitLater);
+  full[0] = 1;  // 256 blocks can only be written as 0
+  EXPECT_EQ(Detect("a.2", full), Layout::NoRom);
 }
 
 TEST_F(DetectTest, ShortAndEmptyFilesAreNoImages) {
@@ -105,9 +88,7 @@ TEST(DetectByName, OnlyKnownExtensionsInAnyCase) {
   EXPECT_EQ(DetectRomFormat(nullptr, "game"), Layout::NoRom);
 }
 
-class RomSizeMbitTest : public DetectTest {};
-
-TEST_F(RomSizeMbitTest, NoRoundingAndHeaderCounted) {
+TEST_F(DetectTest, RomSizeMbitNoRoundingOneHeaderCountedAndEveryVolumeOfASet) {
   // 4,194,816 bytes of SMD (header included) is 32 Mbit; 4,194,303 bytes of BIN is 31.
   const auto smd = m_dir.Write("big.smd", std::string(4194816, '\0'));
   const auto bin = m_dir.Write("big.bin", std::string(4194303, '\0'));
@@ -115,11 +96,10 @@ TEST_F(RomSizeMbitTest, NoRoundingAndHeaderCounted) {
   auto binFile = BinaryFile::Open(bin);
   EXPECT_EQ(RomSizeMbit(*smdFile, smd.string(), Layout::Smd), 32);
   EXPECT_EQ(RomSizeMbit(*binFile, bin.string(), Layout::Bin), 31);
-}
-
-TEST_F(RomSizeMbitTest, SplitSetCountsEveryVolumeAndOneHeader) {
+  // A split set counts every volume and one header.
   const std::string volume = BuildSmdHeader(32, true) + std::string(32 * kBlockSize, 0);
-  for (const char* name : {"g.1", "g.2", "g.3"}) m_dir.Write(name, volume);
+  for (const char* name : {"g.1", "g.2", "g.3"})
+    m_dir.Write(name, volume);
   m_dir.Write("g.5", volume);  // after a gap: not part of the set
   auto file = BinaryFile::Open(m_dir / "g.2");
   // 3 x (512 KiB + 512) - 1024 = 1.5 MiB + 512 bytes: 12 Mbit.

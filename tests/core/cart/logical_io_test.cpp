@@ -55,7 +55,7 @@ INSTANTIATE_TEST_SUITE_P(Layouts, LogicalIoTest,
                          ::testing::Values(Layout::Bin, Layout::Smd, Layout::Md),
                          [](const auto& param) { return std::string(LayoutCode(param.param)); });
 
-TEST(LogicalIo, NoImageReadsEmptyAndIsNeverWritten) {
+TEST(LogicalIo, NoImageReadsEmptyAndIsNeverWrittenAndShortImagesReadZeroes) {
   test::TempDir dir;
   const std::string text(1024, 'x');
   const auto path = dir.Write("notes.txt", text);
@@ -64,14 +64,11 @@ TEST(LogicalIo, NoImageReadsEmptyAndIsNeverWritten) {
   EXPECT_TRUE(WriteHeaderBytes("zz", *file, 0x18E, Layout::NoRom).ok());
   EXPECT_EQ(test::ReadTestFile(path), text);
   EXPECT_EQ(ReadCartridgeHeader(*file).countries, "NOT FOUND");
-}
-
-TEST(LogicalIo, BytesPastTheEndReadAsZero) {
-  test::TempDir dir;
+  // Bytes past the end of an image read as zero.
   std::string bytes(0x104, '\0');
   bytes.replace(0x100, 4, "SEGA");
-  auto file = BinaryFile::Open(dir.Write("tiny.bin", bytes));
-  EXPECT_EQ(ReadHeaderBytes(*file, 0x102, 4), std::string("GA\0\0", 4));
+  auto tiny = BinaryFile::Open(dir.Write("tiny.bin", bytes));
+  EXPECT_EQ(ReadHeaderBytes(*tiny, 0x102, 4), std::string("GA\0\0", 4));
 }
 
 }  // namespace

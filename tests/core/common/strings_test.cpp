@@ -19,12 +19,10 @@ TEST(Latin1FallbackToUtf8, KeepsValidUtf8AndReadsOtherBytesAsLatin1) {
   EXPECT_EQ(Latin1FallbackToUtf8("a\0b"sv), "a\0b"sv);
 }
 
-TEST(EscapeForDisplay, ControlBytesAndBackslashBecomeHex) {
+TEST(DisplayText, ControlBytesBecomeHexAndPathsJoinWithOneSeparator) {
   EXPECT_EQ(EscapeForDisplay("a\0b\x1F\\"sv), "a\\x00b\\x1F\\x5C");
   EXPECT_EQ(EscapeForDisplay("\xFF"), "\xC3\xBF");
-}
-
-TEST(JoinDirName, OneSeparatorBetween) {
+  // One separator between folder and name.
   EXPECT_EQ(JoinDirName("/roms", "a.bin"), "/roms/a.bin");
   EXPECT_EQ(JoinDirName("/roms/", "a.bin"), "/roms/a.bin");
   EXPECT_EQ(JoinDirName("", "a.bin"), "/a.bin");
@@ -34,11 +32,9 @@ TEST(Numbers, LeadingDigitsAndNumericText) {
   EXPECT_EQ(LeadingNumber("  81 1993"), 81);
   EXPECT_EQ(LeadingNumber("SNK"), 0);
   EXPECT_EQ(LeadingNumber("99999999999999999999999"), INT64_MAX);
-  EXPECT_TRUE(IsNumeric(" 1994 "));
-  EXPECT_TRUE(IsNumeric("-1.5"));
-  EXPECT_FALSE(IsNumeric("199X"));
-  EXPECT_FALSE(IsNumeric(""));
-  EXPECT_FALSE(IsNumeric("1.2.3"));
+  EXPECT_TRUE(IsNumeric(" 1994 ") && IsNumeric("-1.5"));
+  for (const char* text : {"199X", "", "1.2.3"})
+    EXPECT_FALSE(IsNumeric(text)) << text;
   EXPECT_EQ(NumberToBytes(0x1234, 2), "\x12\x34");
   EXPECT_EQ(BytesToNumber(NumberToBytes(0xBEEF00, 3)), 0xBEEF00u);
 }

@@ -24,12 +24,6 @@ protected:
   std::string m_kgen;
 };
 
-TEST_F(SavedGamesTest, NothingFoundShowsTheSingleEntry) {
-  Touch("roms/Other.gsv");
-  EXPECT_THAT(JogosSalvos(m_rom, m_kgen), ElementsAre("No saved games"));
-  EXPECT_THAT(JogosSalvos(m_rom, ""), ElementsAre("No saved games"));  // no KGen path set
-}
-
 TEST_F(SavedGamesTest, EveryKindInTableOrderWithHeadingsOnlyForSnapshots) {
   Touch("roms/Sunset Rider.GSV");  // names match without regard to case
   Touch("roms/Sunset Rider.gs1");
@@ -45,7 +39,11 @@ TEST_F(SavedGamesTest, EveryKindInTableOrderWithHeadingsOnlyForSnapshots) {
                           " - Sunset Rider.kss", " - sunset2.kss"));
 }
 
-TEST_F(SavedGamesTest, ShortBaseNamesUseTheWholeNameForKGenSnapshots) {
+TEST_F(SavedGamesTest, NothingFoundShowsTheSingleEntryAndShortNamesMatchWhole) {
+  Touch("roms/Other.gsv");
+  EXPECT_THAT(JogosSalvos(m_rom, m_kgen), ElementsAre("No saved games"));
+  EXPECT_THAT(JogosSalvos(m_rom, ""), ElementsAre("No saved games"));  // no KGen path set
+  // Short base names use the whole name for KGen snapshots.
   const auto rom = m_dir.Write("roms/Ax.md", "rom");
   Touch("kgen/Ax.kss");
   Touch("kgen/Ax9.kss");

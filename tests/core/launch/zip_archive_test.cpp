@@ -46,8 +46,7 @@ TEST_F(ZipArchiveTest, RecognisesArchivesByTheirFirstBytes) {
   const auto real = Archive(Zip({{"a.bin", "x"}}));
   const auto onlyPk = Archive("PKjunk", "pk.zip");
   EXPECT_TRUE(IsZipFile(real) && HasZipSignature(real));
-  EXPECT_TRUE(IsZipFile(onlyPk));
-  EXPECT_FALSE(HasZipSignature(onlyPk));
+  EXPECT_TRUE(IsZipFile(onlyPk) && !HasZipSignature(onlyPk));
   EXPECT_FALSE(IsZipFile(Archive("not an archive", "text.zip")));
   EXPECT_FALSE(IsZipFile(Dir()) || IsZipFile(PathOf("missing.zip")));
 }
@@ -91,8 +90,8 @@ TEST_F(ZipArchiveTest, NothingIsEverWrittenOutsideTheFolder) {
     auto result = ExtractZipMember(Archive(Zip({{name, "payload"}})), name, folder);
     EXPECT_THAT(result.error().message, HasSubstr("refused")) << name;
   }
-  EXPECT_FALSE(std::filesystem::exists(PathOf("deep/evil.bin")));
-  EXPECT_FALSE(std::filesystem::exists(PathOf("evil.bin")));
+  EXPECT_FALSE(std::filesystem::exists(PathOf("deep/evil.bin")) ||
+               std::filesystem::exists(PathOf("evil.bin")));
 
   const auto outside = PathOf("outside");
   std::filesystem::create_directory(outside);
@@ -139,8 +138,7 @@ TEST_F(ZipArchiveTest, DamagedArchiveListsWhatCanBeRead) {
   EXPECT_NE(listing->damage, "");
 
   auto garbage = ListZipEntries(Archive("PK but nothing else"), kRomMasks);
-  EXPECT_TRUE(garbage->names.empty());
-  EXPECT_NE(garbage->damage, "");
+  EXPECT_TRUE(garbage->names.empty() && !garbage->damage.empty());
 }
 
 TEST(ArchiveLibraryVersion, AnOutdatedLibraryIsReported) {

@@ -10,6 +10,7 @@
 #include "core/settings/app_settings.h"
 #include "support/byte_files.h"
 #include "support/scripted_host.h"
+#include "support/settings_fixture.h"
 
 namespace romsteward {
 namespace {
@@ -18,23 +19,15 @@ using test::Bytes;
 using test::PromptKind;
 
 /// A settings store in the test's directory and a scripted host.
-class PatchStoreTest : public test::ByteFileTest {
+class PatchStoreTest : public test::SettingsTest {
 protected:
-  void SetUp() override {
-    auto store = RegistryStore::Open(PathOf("settings.sqlite3"));
-    ASSERT_TRUE(store.ok()) << store.error().message;
-    m_store = std::move(store).value();
-  }
-
   void StoreRaw(std::string_view valueName, std::string_view data) {
-    ASSERT_TRUE(m_store->SetValue(PatchKeyPath(), valueName, data).ok());
+    ASSERT_TRUE(Store().SetValue(PatchKeyPath(), valueName, data).ok());
   }
   std::string Stored(std::string_view valueName) const {
-    auto data = m_store->GetValue(PatchKeyPath(), valueName);
-    return data.ok() ? *data : "<missing>";
+    return SettingsTest::Stored(kSectionPatch, valueName);
   }
 
-  std::unique_ptr<RegistryStore> m_store;
   test::ScriptedHost m_host;
 };
 
@@ -52,35 +45,33 @@ TEST(DynamicPatchValue, FieldsReadBackWhateverBytesTheyHold) {
   }
 }
 
-class DynamicPatchStore : public PatchStoreTest {};
-
-TEST_F(DynamicPatchStore, EachUseSeesItsOwnSetOfAnImagesPatches) {
-  EXPECT_FALSE(HasDynamicPatches(*m_store, "A.BIN"));
-  ASSERT_TRUE(PatchesForLaunch(*m_store, "A.BIN").ok());  // no PATCH key yet: nothing to do
+TEST_F(PatchStoreTest, EachUseSeesItsOwnSetOfAnImagesPatches) {
+  EXPECT_FALSE(HasDynamicPatches(Store(), "A.BIN"));
+  ASSERT_TRUE(PatchesForLaunch(Store(), "A.BIN").ok());  // no PATCH key yet: nothing to do
   for (const char* name :
        {"A.BIN|lives", "A.BIN2|sequel", "a.bin|lower", "B.BIN|time", "A.BIN|level"}) {
     StoreRaw(name, "1|a|b");
   }
-  EXPECT_TRUE(HasDynamicPatches(*m_store, "A.BIN"));
-  EXPECT_FALSE(HasDynamicPatches(*m_store, "A.bin"));  // the prefix test minds the case
-  EXPECT_EQ(ListDynamicPatchNames(*m_store, "A.BIN"),
+  EXPECT_TRUE(HasDynamicPatches(Store(), "A.BIN"));
+  EXPECT_FALSE(HasDynamicPatches(Store(), "A.bin"));  // the prefix test minds the case
+  EXPECT_EQ(ListDynamicPatchNames(Store(), "A.BIN"),
             (std::vector<std::string>{"lives", "lower", "level"}));
-  const auto launch = PatchesForLaunch(*m_store, "A.BIN");
+  const auto launch = PatchesForLaunch(Store(), "A.BIN");
   std::vector<std::string> launched;
   for (const auto& [name, data] : launch.value())
     launched.push_back(name);
   EXPECT_EQ(launched, (std::vector<std::string>{"A.BIN|lives", "A.BIN2|sequel", "A.BIN|level"}));
 
-  ASSERT_TRUE(RemoveDynamicPatch(*m_store, "a.bin", "LIVES").ok());  // any letter case
+  ASSERT_TRUE(RemoveDynamicPatch(Store(), "a.bin", "LIVES").ok());  // any letter case
   EXPECT_EQ(Stored("A.BIN|lives"), "<missing>");
-  EXPECT_FALSE(RemoveDynamicPatch(*m_store, "A.BIN", "lives").ok());
+  EXPECT_FALSE(RemoveDynamicPatch(Store(), "A.BIN", "lives").ok());
 }
 
 class PatchDialog : public PatchStoreTest {
 protected:
   PatchDialogModel Open(std::string_view imageBytes) {
     Put("SONIC.BIN", imageBytes);
-    return std::move(PatchDialogModel::Load(m_host, *m_store, PathOf("SONIC.BIN"), "SONIC.BIN"))
+    return std::move(PatchDialogModel::Load(m_host, Store(), PathOf("SONIC.BIN"), "SONIC.BIN"))
         .value();
   }
 };
@@ -140,15 +131,13 @@ TEST_F(PatchDialog, ValueFromTextOrFromTheImage) {
   EXPECT_EQ(m_host.Texts().back(), "Invalid file position!");
 }
 
-class PatchCommands : public PatchStoreTest {};
-
-TEST_F(PatchCommands, IpsRecordsBecomeNumberedPatchesWithTheImagesOldBytes) {
+TEST_F(PatchStoreTest, IpsRecordsBecomeNumberedPatchesWithTheImagesOldBytes) {
   const auto image = Put("GAME.BIN", "0123456789");
   const auto ips =
       Put("cheat.ips", "PATCH" + Bytes({0, 0, 2, 0, 3, '|', 0, 'x'}) + Bytes({0, 0, 8, 0, 4}) +
                            "WXYZ" + Bytes({0, 0, 1, 0, 10}) + "cut short");
   m_host.AnswerOpenFile(ips.string()).AnswerText("  cheat  ");
-  ConvertIpsToDynamicPatchesCommand(m_host, *m_store, image, "GAME.BIN", Dir().string());
+  ConvertIpsToDynamicPatchesCommand(m_host, Store(), image, "GAME.BIN", Dir().string());
   EXPECT_EQ(m_host.EventsOf(PromptKind::Text).at(0).title, "Base name");
   EXPECT_EQ(Stored("GAME.BIN|cheat0"), "3|" + Bytes({'|', 0, 'x', '|'}) + "234");
   EXPECT_EQ(Stored("GAME.BIN|cheat1"), "9|WXYZ|89");  // past the end: the old bytes there are
@@ -158,19 +147,19 @@ TEST_F(PatchCommands, IpsRecordsBecomeNumberedPatchesWithTheImagesOldBytes) {
   EXPECT_EQ(said[1].text, "Romsteward generated 2 dynamic patches from the IPS!");
 
   m_host.AnswerOpenFile(ips.string()).AnswerText("   ");  // a blank name ends it silently
-  ConvertIpsToDynamicPatchesCommand(m_host, *m_store, image, "GAME.BIN", Dir().string());
+  ConvertIpsToDynamicPatchesCommand(m_host, Store(), image, "GAME.BIN", Dir().string());
   EXPECT_EQ(m_host.EventsOf(PromptKind::Message).size(), 2u);
 }
 
-TEST_F(PatchCommands, RemovalOffersOnlyThisImagesPatchesAndAsksFirst) {
-  EXPECT_FALSE(RemoveDynamicPatchesCommand(m_host, *m_store, "A.BIN"));
+TEST_F(PatchStoreTest, RemovalOffersOnlyThisImagesPatchesAndAsksFirst) {
+  EXPECT_FALSE(RemoveDynamicPatchesCommand(m_host, Store(), "A.BIN"));
   EXPECT_EQ(m_host.Texts().back(), "No dynamic patches found");
   StoreRaw("A.BIN|lives", "1|a|b");
   StoreRaw("A.BIN2|time", "1|a|b");
   m_host.AnswerList("lives").AnswerYesNo(Answer::No).AnswerList("lives").AnswerYesNo(Answer::Yes);
-  EXPECT_FALSE(RemoveDynamicPatchesCommand(m_host, *m_store, "a.bin"));
+  EXPECT_FALSE(RemoveDynamicPatchesCommand(m_host, Store(), "a.bin"));
   EXPECT_EQ(Stored("A.BIN|lives"), "1|a|b");
-  EXPECT_TRUE(RemoveDynamicPatchesCommand(m_host, *m_store, "a.bin"));
+  EXPECT_TRUE(RemoveDynamicPatchesCommand(m_host, Store(), "a.bin"));
   EXPECT_EQ(Stored("A.BIN|lives"), "<missing>");
   EXPECT_EQ(m_host.EventsOf(PromptKind::List).at(0).items, std::vector<std::string>{"lives"});
   EXPECT_EQ(m_host.EventsOf(PromptKind::YesNo).at(0).text,
@@ -179,8 +168,8 @@ TEST_F(PatchCommands, RemovalOffersOnlyThisImagesPatchesAndAsksFirst) {
 
 class PatchRun : public PatchStoreTest {
 protected:
-  bool RecordLeft() const {
-    const auto records = m_store->EnumerateValueNames(SectionKeyPath(kSectionPatchRun));
+  bool RecordLeft() {
+    const auto records = Store().EnumerateValueNames(SectionKeyPath(kSectionPatchRun));
     return records.ok() && !records->empty();
   }
 };
@@ -194,7 +183,7 @@ TEST_F(PatchRun, PatchesHoldForTheRunAndTheSavedOldBytesComeBackAfter) {
   StoreRaw("A.BIN|tail", "10|" + Bytes({'|', 0, 'Z'}) + "|9");  // runs past the end
   StoreRaw("A.BIN|broken", "7|no second field");
   {
-    DynamicPatchRun run = DynamicPatchRun::Apply(m_host, *m_store, "A.BIN", image);
+    DynamicPatchRun run = DynamicPatchRun::Apply(m_host, Store(), "A.BIN", image);
     EXPECT_EQ(m_host.Texts(),
               std::vector<std::string>{"Error in dynamic patch. Please, create it again"});
     EXPECT_EQ(test::ReadTestFile(image), "X1ABxy678" + Bytes({'|', 0, 'Z'}));
@@ -208,7 +197,7 @@ TEST_F(PatchRun, RunCutShortByACrashIsTakenBackAtTheNextStart) {
   const auto image = Put("A.BIN", "0123456789");
   StoreRaw("A.BIN|lives", "2|" + Bytes({0, '|'}) + "|12");
   const auto storeFile = PathOf("settings.sqlite3");
-  m_store.reset();
+  Close();
   const pid_t child = fork();  // patches for a run and dies before it could restore
   ASSERT_GE(child, 0);
   if (child == 0) {
@@ -223,23 +212,23 @@ TEST_F(PatchRun, RunCutShortByACrashIsTakenBackAtTheNextStart) {
   ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
   ASSERT_EQ(test::ReadTestFile(image), "0" + Bytes({0, '|'}) + "3456789");
 
-  m_store = std::move(RegistryStore::Open(storeFile)).value();
-  EXPECT_EQ(RecoverInterruptedPatchRuns(m_host, *m_store), 1u);
+  Reopen();
+  EXPECT_EQ(RecoverInterruptedPatchRuns(m_host, Store()), 1u);
   EXPECT_EQ(test::ReadTestFile(image), "0123456789");
   EXPECT_NE(m_host.Texts().at(0).find("A.BIN. Its original bytes have been put back."),
             std::string::npos);
-  EXPECT_EQ(RecoverInterruptedPatchRuns(m_host, *m_store), 0u);
+  EXPECT_EQ(RecoverInterruptedPatchRuns(m_host, Store()), 0u);
 }
 
 TEST_F(PatchRun, FileGoneBeforeTheRestoreKeepsTheRecordUntilTheNextStart) {
   const auto image = Put("COPY.BIN", "0123456789");
   StoreRaw("COPY.BIN|p", "1|Z|0");
-  auto run = DynamicPatchRun::Apply(m_host, *m_store, "COPY.BIN", image);
+  auto run = DynamicPatchRun::Apply(m_host, Store(), "COPY.BIN", image);
   std::filesystem::remove(image);  // the extracted copy was cleaned away
   run.Restore();
   EXPECT_NE(m_host.Texts().at(0).find("the next start will try again"), std::string::npos);
   EXPECT_TRUE(RecordLeft());
-  EXPECT_EQ(RecoverInterruptedPatchRuns(m_host, *m_store), 0u);
+  EXPECT_EQ(RecoverInterruptedPatchRuns(m_host, Store()), 0u);
   EXPECT_NE(m_host.Texts().back().find("no longer exists"), std::string::npos);
   EXPECT_FALSE(RecordLeft());
 }

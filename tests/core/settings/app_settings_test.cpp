@@ -10,23 +10,19 @@ namespace {
 
 using AppSettingsTest = test::SettingsTest;
 
-TEST_F(AppSettingsTest, SectionsLiveUnderTheApplicationsKey) {
+TEST_F(AppSettingsTest, SectionsLiveUnderTheAppsKeyGetFallsBackAndDeleteReportsMissing) {
   EXPECT_EQ(SectionKeyPath("Settings"),
             "HKEY_CURRENT_USER\\Software\\VB and VBA Program Settings\\Genesis Romsteward - "
             "\\Settings");
   ASSERT_TRUE(Settings().SaveSetting("Cartridge", "SONIC.BIN.Joy", "0"));
   EXPECT_EQ(Store().GetValue(SectionKeyPath("Cartridge"), "SONIC.BIN.Joy").value(), "0");
-}
-
-TEST_F(AppSettingsTest, GetFallsBackOnlyWhenMissing) {
+  // Get falls back only when the value is missing.
   EXPECT_EQ(Settings().GetSetting("Settings", "frm", "2"), "2");
   EXPECT_EQ(Settings().GetSetting("Settings", "frm"), "");
   ASSERT_TRUE(Settings().SaveSetting("Settings", "Ksnd", ""));
   // A stored empty value is a value: the fallback does not replace it.
   EXPECT_EQ(Settings().GetSetting("settings", "ksnd", "c"), "");
-}
-
-TEST_F(AppSettingsTest, DeleteReportsAMissingValue) {
+  // Delete reports a missing value.
   ASSERT_TRUE(Settings().SaveSettings("Settings", {{"cart", "True"}, {"tray", "False"}}));
   EXPECT_TRUE(Settings().DeleteSetting("Settings", "CART"));
   EXPECT_FALSE(Settings().DeleteSetting("Settings", "cart"));
@@ -34,7 +30,6 @@ TEST_F(AppSettingsTest, DeleteReportsAMissingValue) {
 }
 
 TEST(StoredValues, NumbersConvertAsAControlTakesThem) {
-  EXPECT_EQ(StoredNumber("1"), 1);
   EXPECT_EQ(StoredNumber(" 7 "), 7);
   EXPECT_EQ(StoredNumber("-2"), -2);
   EXPECT_EQ(StoredNumber("1.5"), 2);  // half to even

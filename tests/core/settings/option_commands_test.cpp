@@ -16,11 +16,10 @@ using ::testing::ElementsAre;
 class OptionCommandsTest : public test::SettingsTest {
 protected:
   void ExpectDeleteErrorShownOnce(const ScriptedHost& host) {
-    ASSERT_EQ(host.Events().size(), 1u) << host.Transcript();
-    EXPECT_EQ(host.Events()[0].kind, PromptKind::Message);
-    EXPECT_EQ(host.Events()[0].icon, MessageIcon::Critical);
-    EXPECT_EQ(host.Events()[0].text,
-              "There were errors deleting settings. Maybe some wasn't deleted at all.");
+    ASSERT_EQ(host.EventsOf(PromptKind::Message).size(), 1u) << host.Transcript();
+    EXPECT_EQ(host.Events().at(0).icon, MessageIcon::Critical);
+    EXPECT_EQ(host.Texts(), std::vector<std::string>{"There were errors deleting settings. "
+                                                     "Maybe some wasn't deleted at all."});
   }
 };
 

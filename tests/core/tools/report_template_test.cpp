@@ -22,16 +22,13 @@ TEST(SplitTemplate, NeedsBothMarkersInOrder) {
             "head|block|mid-BOL-x-EOL-tail");
 }
 
-TEST(ExpandableText, ReplacesEveryOccurrenceWithRegardToCase) {
+TEST(ExpandableText, ReplacesEveryCaseExactOccurrenceOnceFollowingTheOrder) {
   EXPECT_EQ(Expand("%file% and %file%, %FILE% %File% %file", "g.bin"),
             "g.bin and g.bin, %FILE% %File% %file");
   EXPECT_EQ(Expand("%%file%% %roms% of %size%", "g", "T", 1234, 1234567),
             "%g% 1234 of 1,234,567.00 Meg");
   EXPECT_EQ(FormatStandard(999), "999.00");
   EXPECT_EQ(FormatStandard(-1000), "-1,000.00");
-}
-
-TEST(ExpandableText, ValuesAreNeverExpandedAgainAndOverlapsFollowTheOrder) {
   // Expanding values in turn would never end on the first one.
   EXPECT_EQ(Expand("[%file%]", "%file%"), "[%file%]");
   EXPECT_EQ(Expand("[%file%]", "x%romtype%y"), "[x%romtype%y]");
