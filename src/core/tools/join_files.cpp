@@ -15,11 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-CommandResult Fail(Host& host, const Error& error) {
-  host.ShowMessage(error.message, MessageIcon::Critical, {});
-  return CommandResult::Failed;
-}
-
 bool IsFile(const fs::path& path) {
   std::error_code error;
   return fs::is_regular_file(path, error);
@@ -42,14 +37,14 @@ CommandResult JoinRom(Host& host, const fs::path& anyVolume) {
     const fs::path volume = Utf8ToPath(base + std::to_string(k));
     if (!IsFile(volume)) break;
     auto opened = BinaryFile::Open(volume);
-    if (!opened) return Fail(host, opened.error());
+    if (!opened) return ShowFailure(host, opened.error());
     volumes.push_back(std::move(*opened));
   }
   if (volumes.empty())
-    return Fail(host, Error{"Cannot join: there is no first volume " + base + "1"});
+    return ShowFailure(host, Error{"Cannot join: there is no first volume " + base + "1"});
   std::string header = volumes.front().ReadAt(0, kCopierHeaderSize);
   if (header.size() < kCopierHeaderSize)
-    return Fail(host, Error{"Cannot join: " + PathToUtf8(volumes.front().Path()) +
+    return ShowFailure(host, Error{"Cannot join: " + PathToUtf8(volumes.front().Path()) +
                             " is too short to be a split volume"});
 
   const fs::path target = Utf8ToPath(base + "smd");
@@ -72,17 +67,17 @@ CommandResult JoinRom(Host& host, const fs::path& anyVolume) {
 
   // The old target is only replaced once the whole new one is written.
   auto writer = AtomicFileWriter::Create(target);
-  if (!writer) return Fail(host, writer.error());
-  if (Status written = writer->Write(header); !written) return Fail(host, written.error());
+  if (!writer) return ShowFailure(host, writer.error());
+  if (Status written = writer->Write(header); !written) return ShowFailure(host, written.error());
   for (std::size_t k = 0; k < volumes.size(); ++k) {
     const std::uint64_t size = volumes[k].Size();
     if (size <= kCopierHeaderSize) continue;
     if (auto copied =
             AppendFileRange(volumes[k], kCopierHeaderSize, size - kCopierHeaderSize, *writer);
         !copied)
-      return Fail(host, copied.error());
+      return ShowFailure(host, copied.error());
   }
-  if (Status committed = writer->Commit(); !committed) return Fail(host, committed.error());
+  if (Status committed = writer->Commit(); !committed) return ShowFailure(host, committed.error());
   host.ShowMessage(std::to_string(volumes.size()) + " file(s) joined", MessageIcon::Information,
                    {});
   return CommandResult::Done;
@@ -113,16 +108,16 @@ CommandResult JoinFilesInto(Host& host, const fs::path& destination,
   std::vector<BinaryFile> sources;
   for (const std::string& name : files) {
     auto opened = BinaryFile::Open(Utf8ToPath(name));
-    if (!opened) return Fail(host, opened.error());
+    if (!opened) return ShowFailure(host, opened.error());
     sources.push_back(std::move(*opened));
   }
   auto writer = AtomicFileWriter::Create(destination);
-  if (!writer) return Fail(host, writer.error());
+  if (!writer) return ShowFailure(host, writer.error());
   for (const BinaryFile& source : sources) {
     if (auto copied = AppendFileRange(source, 0, source.Size(), *writer); !copied)
-      return Fail(host, copied.error());
+      return ShowFailure(host, copied.error());
   }
-  if (Status committed = writer->Commit(); !committed) return Fail(host, committed.error());
+  if (Status committed = writer->Commit(); !committed) return ShowFailure(host, committed.error());
   host.ShowMessage(std::to_string(files.size()) + " files were joined!", MessageIcon::None, {});
   return CommandResult::Done;
 }

@@ -19,11 +19,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-CommandResult Fail(Host& host, const Error& error) {
-  host.ShowMessage(error.message, MessageIcon::Critical, {});
-  return CommandResult::Failed;
-}
-
 bool Exists(const fs::path& path) {
   std::error_code error;
   return fs::exists(fs::symlink_status(path, error));
@@ -81,7 +76,7 @@ CommandResult SplitRom(Host& host, const fs::path& image) {
   int romSizeMbit = 0;
   {
     auto file = BinaryFile::Open(image);
-    if (!file) return Fail(host, file.error());
+    if (!file) return ShowFailure(host, file.error());
     romSizeMbit = RomSizeMbit(*file, PathToUtf8(image), DetectRomFormat(*file));
   }
   SplitSizeChooser chooser(romSizeMbit);
@@ -93,7 +88,7 @@ CommandResult SplitImage(Host& host, const fs::path& image, int megabits) {
   const std::uint64_t partSize = static_cast<std::uint64_t>(megabits) * kMegabitBytes;
 
   auto source = BinaryFile::Open(image);
-  if (!source) return Fail(host, source.error());
+  if (!source) return ShowFailure(host, source.error());
   const std::uint64_t length = source->Size();
   const std::uint64_t data = length > kCopierHeaderSize ? length - kCopierHeaderSize : 0;
   if (data <= partSize) {
@@ -116,7 +111,7 @@ CommandResult SplitImage(Host& host, const fs::path& image, int megabits) {
 
   for (std::uint64_t i = 1; i <= volumes; ++i) {
     if (SameFile(volumePath(i), image))
-      return Fail(host, Error{"Cannot split " + PathToUtf8(image) +
+      return ShowFailure(host, Error{"Cannot split " + PathToUtf8(image) +
                               ": a volume would be written over the image itself"});
   }
   for (std::uint64_t i = 1; i <= asked; ++i) {
@@ -125,7 +120,7 @@ CommandResult SplitImage(Host& host, const fs::path& image, int megabits) {
     const std::string question = "The file '" + PathToUtf8(volume) + "' exists! Overwrite?";
     if (host.AskYesNo(question, MessageIcon::Question, {}) != Answer::Yes)
       return CommandResult::Cancelled;
-    if (Status deleted = DeleteVolume(volume); !deleted) return Fail(host, deleted.error());
+    if (Status deleted = DeleteVolume(volume); !deleted) return ShowFailure(host, deleted.error());
   }
 
   std::string header = BuildSmdHeader(static_cast<std::int64_t>(partSize / kBlockSize), true);
@@ -144,7 +139,7 @@ CommandResult SplitImage(Host& host, const fs::path& image, int megabits) {
         std::error_code ignored;
         fs::remove(earlier, ignored);
       }
-      return Fail(host, done.error());
+      return ShowFailure(host, done.error());
     }
     written.push_back(volume);
   }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/app/host.h"
+#include "core/common/result.h"
 
 namespace romsteward {
 
@@ -17,6 +18,12 @@ enum class CommandResult {
   Cancelled,  ///< a dialog was cancelled or a question answered No; nothing more was done
   Failed,     ///< refused or failed; the message said why and no half-written file was left
 };
+
+/// Shows `error` in a critical message box and reports the command as failed.
+inline CommandResult ShowFailure(Host& host, const Error& error) {
+  host.ShowMessage(error.message, MessageIcon::Critical, {});
+  return CommandResult::Failed;
+}
 
 /// One megabit in bytes; split sizes are whole megabits.
 inline constexpr std::uint64_t kMegabitBytes = 131072;
