@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "cli/terminal_host.h"
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/app/main_window_model.h"
 #include "core/common/strings.h"
 #include "core/library/rom_sort.h"

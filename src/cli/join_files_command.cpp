@@ -6,7 +6,7 @@
 
 #include "cli/exit_status.h"
 #include "cli/tool.h"
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/common/strings.h"
 #include "core/tools/split_join.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/app/forwarding_host.h"
+#include "core/host/forwarding_host.h"
 
 namespace romsteward::cli {
 

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 
 namespace romsteward::test {
 

@@ -1,7 +1,7 @@
 #include "core/app/main_window_model.h"
 
-#include "core/app/app_title.h"
-#include "core/app/host.h"
+#include "core/host/app_title.h"
+#include "core/host/host.h"
 #include "core/common/strings.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"

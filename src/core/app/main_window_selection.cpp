@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <string>
 
-#include "core/app/app_title.h"
-#include "core/app/host.h"
+#include "core/host/app_title.h"
+#include "core/host/host.h"
 #include "core/app/main_window_model.h"
 #include "core/cart/detect.h"
 #include "core/cart/header.h"

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/cart/interleave.h"
 #include "core/cart/split_set.h"
 #include "core/common/strings.h"

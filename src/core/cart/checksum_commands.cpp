@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/cart/checksum.h"
 #include "core/cart/detect.h"
 #include "core/cart/header.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/cart/detect.h"
 #include "core/cart/interleave.h"
 #include "core/cart/split_set.h"

@@ -7,8 +7,8 @@
 #include <memory>
 #include <system_error>
 
-#include "core/app/app_title.h"
-#include "core/app/host.h"
+#include "core/host/app_title.h"
+#include "core/host/host.h"
 #include "core/common/atomic_file.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"

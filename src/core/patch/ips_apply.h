@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string_view>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/common/binary_file.h"
 #include "core/common/result.h"
 #include "core/patch/ips_format.h"

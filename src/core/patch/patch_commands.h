@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <string_view>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/settings/registry_store.h"
 
 namespace romsteward {

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/common/result.h"
 #include "core/settings/registry_store.h"
 

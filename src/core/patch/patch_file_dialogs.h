@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 
 namespace romsteward {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/settings/registry_store.h"
 
 namespace romsteward {

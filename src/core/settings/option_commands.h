@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/common/result.h"
 #include "core/settings/emulator_options.h"
 #include "core/settings/general_settings.h"

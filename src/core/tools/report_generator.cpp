@@ -5,7 +5,7 @@
 #include <random>
 #include <system_error>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/cart/detect.h"
 #include "core/cart/header.h"
 #include "core/cart/split_set.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "core/common/result.h"
 
 namespace romsteward {

@@ -1,7 +1,7 @@
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 #include "support/scripted_host.h"
 
 namespace romsteward {

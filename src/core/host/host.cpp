@@ -1,4 +1,4 @@
-#include "core/app/host.h"
+#include "core/host/host.h"
 
 namespace romsteward {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/app/host.h"
+#include "core/host/host.h"
 
 namespace romsteward {
 
