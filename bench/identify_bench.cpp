@@ -62,7 +62,8 @@ public:
 
 private:
   static std::string ToLower(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    for (char& c : text)
+      c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return text;
   }
   std::filesystem::path m_dir;
@@ -82,7 +83,8 @@ double Seconds(std::chrono::steady_clock::duration duration) {
 // One run of sha1sum over the files, its output thrown away; its wall time, or < 0.
 double Sha1sumSeconds(const std::vector<std::string>& files) {
   std::vector<char*> argv{const_cast<char*>("sha1sum")};
-  for (const std::string& file : files) argv.push_back(const_cast<char*>(file.c_str()));
+  for (const std::string& file : files)
+    argv.push_back(const_cast<char*>(file.c_str()));
   argv.push_back(nullptr);
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);

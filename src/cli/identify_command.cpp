@@ -33,7 +33,8 @@ std::string_view StatusText(const IdentifiedImage& image) {
 
 Json ImageJson(const IdentifiedImage& image) {
   Json volumes = Json::array();
-  for (const auto& later : image.laterVolumes) volumes.push_back(JsonText(PathToUtf8(later)));
+  for (const auto& later : image.laterVolumes)
+    volumes.push_back(JsonText(PathToUtf8(later)));
   const RomHashes* hashes = image.hashes ? &*image.hashes : nullptr;
   const DatMatch* match = image.match ? &*image.match : nullptr;
   return {
@@ -91,7 +92,8 @@ int Rename(const std::vector<IdentifiedImage>& images, ToolContext& context) {
     return kExitOk;
   }
   const std::vector<std::string> failures = ApplyRenames(plan);
-  for (const std::string& failure : failures) context.err << failure << '\n';
+  for (const std::string& failure : failures)
+    context.err << failure << '\n';
   context.out << fmt::format("Renamed {} file{}\n", plan.steps.size() - failures.size(),
                              plan.steps.size() - failures.size() == 1 ? "" : "s");
   return failures.empty() ? kExitOk : kExitError;
@@ -134,9 +136,11 @@ int RunIdentify(const IdentifyOptions& options, ToolContext& context) {
   }
   if (options.json) {
     Json problems = Json::array();
-    for (const std::string& problem : dat->problems) problems.push_back(JsonText(problem));
+    for (const std::string& problem : dat->problems)
+      problems.push_back(JsonText(problem));
     Json list = Json::array();
-    for (const IdentifiedImage& image : images) list.push_back(ImageJson(image));
+    for (const IdentifiedImage& image : images)
+      list.push_back(ImageJson(image));
     PrintJson(context.out, {{"dat",
                              {{"file", JsonText(datFile)},
                               {"name", JsonText(dat->name)},

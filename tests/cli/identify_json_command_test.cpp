@@ -23,7 +23,8 @@ protected:
   std::string Dat() const { return Path("demo/" + std::string(kDemoDatName)); }
   static std::vector<std::string> Keys(const Json& object) {
     std::vector<std::string> keys;
-    for (const auto& item : object.items()) keys.push_back(item.key());
+    for (const auto& item : object.items())
+      keys.push_back(item.key());
     return keys;
   }
 };
@@ -47,9 +48,9 @@ TEST_F(IdentifyJsonCommand, IdentifiesTheDemoCollectionAsTextAndJson) {
   const Json& images = json["images"];
   ASSERT_EQ(images.size(), 4u);
   for (const Json& image : images)
-    EXPECT_THAT(Keys(image), ElementsAre("file", "member", "status", "layout", "laterVolumes",
-                                         "size", "crc32", "sha1", "game", "rom", "matchedBy",
-                                         "error"));
+    EXPECT_THAT(Keys(image),
+                ElementsAre("file", "member", "status", "layout", "laterVolumes", "size", "crc32",
+                            "sha1", "game", "rom", "matchedBy", "error"));
   EXPECT_EQ(images[0]["member"], "Tin Soldier (U).bin");
   EXPECT_EQ(images[0]["matchedBy"], "sha1");
   EXPECT_EQ(images[1]["status"], "unknown");
@@ -68,8 +69,7 @@ TEST_F(IdentifyJsonCommand, RenamesOnlyAfterYesAndRemembersTheDatForReports) {
   EXPECT_TRUE(std::filesystem::exists(PathOf("demo/Star Courier (W).bin")));
 
   EXPECT_EQ(Run({"identify", Path("demo")}).status, cli::kExitError);  // no DAT chosen yet
-  ASSERT_EQ(Run({"identify", "--remember", "--dat", Dat(), Path("demo/Quiet Orbit (J).md")})
-                .status,
+  ASSERT_EQ(Run({"identify", "--remember", "--dat", Dat(), Path("demo/Quiet Orbit (J).md")}).status,
             cli::kExitOk);
   const auto renamed = Run({"identify", "--rename", "--yes", Path("demo")});
   EXPECT_THAT(renamed.out, HasSubstr("Renamed 6 files\n"));
@@ -97,8 +97,8 @@ TEST_F(IdentifyJsonCommand, EveryOtherReportingCommandPrintsParsableJson) {
   EXPECT_EQ(checksum.status, cli::kExitError);
   const Json sums = Json::parse(checksum.out);
   ASSERT_EQ(sums.size(), 3u);
-  EXPECT_THAT(Keys(sums[0]), ElementsAre("file", "layout", "stored", "computed", "correct",
-                                         "fixed", "error"));
+  EXPECT_THAT(Keys(sums[0]),
+              ElementsAre("file", "layout", "stored", "computed", "correct", "fixed", "error"));
   EXPECT_EQ(sums[0]["correct"], false);
   EXPECT_TRUE(sums[1]["error"].is_string());
   EXPECT_EQ(sums[2]["correct"], true);

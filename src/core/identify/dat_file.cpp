@@ -36,14 +36,16 @@ std::string DeclaredEncoding(std::string_view xml) {
 }
 
 bool IsReadableEncoding(std::string_view encoding) {
-  for (std::string_view known : {"", "utf-8", "utf8", "us-ascii", "ascii", "iso-8859-1",
-                                 "latin1", "latin-1", "utf-16", "utf-16le", "utf-16be"}) {
+  for (std::string_view known : {"", "utf-8", "utf8", "us-ascii", "ascii", "iso-8859-1", "latin1",
+                                 "latin-1", "utf-16", "utf-16le", "utf-16be"}) {
     if (encoding == known) return true;
   }
   return false;
 }
 
-bool IsUtf8(std::string_view text) { return Latin1FallbackToUtf8(text) == text; }
+bool IsUtf8(std::string_view text) {
+  return Latin1FallbackToUtf8(text) == text;
+}
 
 bool ParseHex(std::string_view text, std::size_t digits, std::string& out) {
   if (text.size() != digits || !std::all_of(text.begin(), text.end(), IsHexDigit)) return false;
@@ -86,9 +88,10 @@ std::string ReadRom(const pugi::xml_node& node, DatRom& rom) {
 Result<DatFile> ParseDatFile(std::string_view xml, std::string_view source) {
   const std::string encoding = DeclaredEncoding(xml);
   if (!IsReadableEncoding(encoding))
-    return Error{fmt::format("{} is written in the encoding \"{}\", which cannot be read; "
-                             "save it as UTF-8",
-                             source, encoding)};
+    return Error{
+        fmt::format("{} is written in the encoding \"{}\", which cannot be read; "
+                    "save it as UTF-8",
+                    source, encoding)};
 
   pugi::xml_document document;
   // Without parse_doctype the document type is skipped whole: declared entities are never
@@ -144,9 +147,9 @@ Result<DatFile> ReadDatFile(const std::filesystem::path& path) {
   const std::string shown = PathToUtf8(path);
   std::error_code error;
   if (!std::filesystem::is_regular_file(path, error))
-    return Error{fmt::format("{} is not a DAT file: {}", shown,
-                             std::filesystem::exists(path, error) ? "not a regular file"
-                                                                  : "no such file")};
+    return Error{
+        fmt::format("{} is not a DAT file: {}", shown,
+                    std::filesystem::exists(path, error) ? "not a regular file" : "no such file")};
   const auto size = std::filesystem::file_size(path, error);
   if (!error && size > kMaxDatFileSize)
     return Error{fmt::format("{} is larger than {} MiB; no DAT file is that large", shown,

@@ -25,8 +25,7 @@ DatIndex::DatIndex(const DatFile& dat) : m_dat(dat) {
 
 std::optional<DatMatch> DatIndex::Find(const RomHashes& hashes) const {
   const auto agrees = [&hashes](const DatRom& rom) {
-    return (!rom.size || *rom.size == hashes.size) &&
-           (!rom.crc32 || *rom.crc32 == hashes.crc32) &&
+    return (!rom.size || *rom.size == hashes.size) && (!rom.crc32 || *rom.crc32 == hashes.crc32) &&
            (rom.sha1.empty() || rom.sha1 == hashes.sha1);
   };
   const auto first = [&](const auto& map, const auto& key) -> std::optional<DatMatch> {
@@ -55,7 +54,8 @@ constexpr std::string_view kImageMasks = "*.bin;*.smd;*.md;*.mgd;*.gen;*.1";
 bool IsLaterVolumeName(std::string_view name) {
   const std::string_view extension = FileExtension(name);
   return !extension.empty() && extension != "1" &&
-         std::all_of(extension.begin(), extension.end(), [](char c) { return c >= '0' && c <= '9'; });
+         std::all_of(extension.begin(), extension.end(),
+                     [](char c) { return c >= '0' && c <= '9'; });
 }
 
 IdentifiedImage Entry(std::string shown, std::filesystem::path path, std::string problem = {}) {
@@ -92,9 +92,8 @@ void AddDirectory(const std::filesystem::path& dir, std::vector<IdentifiedImage>
     if (it->is_regular_file(error)) files.push_back(it->path());
   }
   if (error) {
-    images.push_back(
-        Entry(PathToUtf8(dir), dir, fmt::format("Cannot read {}: {}", PathToUtf8(dir),
-                                                  error.message())));
+    images.push_back(Entry(PathToUtf8(dir), dir,
+                           fmt::format("Cannot read {}: {}", PathToUtf8(dir), error.message())));
     return;
   }
   std::sort(files.begin(), files.end());
@@ -106,7 +105,8 @@ void AddDirectory(const std::filesystem::path& dir, std::vector<IdentifiedImage>
       images.push_back(Entry(PathToUtf8(file), file));
     } else if (IsLaterVolumeName(name)) {
       // Identified with the first volume when there is one; listed alone when it is lost.
-      const std::filesystem::path first = Utf8ToPath(SplitVolumeName(SplitVolumeStem(PathToUtf8(file)), 1));
+      const std::filesystem::path first =
+          Utf8ToPath(SplitVolumeName(SplitVolumeStem(PathToUtf8(file)), 1));
       if (!std::filesystem::is_regular_file(first, error))
         images.push_back(Entry(PathToUtf8(file), file));
     }
@@ -118,30 +118,31 @@ void AddDirectory(const std::filesystem::path& dir, std::vector<IdentifiedImage>
 std::size_t HashArchive(std::vector<IdentifiedImage>& images, std::size_t from) {
   const std::filesystem::path archive = images[from].path;
   std::size_t end = from;
-  while (end < images.size() && images[end].path == archive && !images[end].member.empty()) ++end;
-  Status read = ReadZipMembers(archive, kImageMasks,
-                               [&](const std::string& name, Result<std::string> bytes) {
-    for (std::size_t i = from; i < end; ++i) {
-      IdentifiedImage& image = images[i];
-      if (image.member != name || image.hashes || !image.problem.empty()) continue;
-      if (!bytes) {
-        image.problem = bytes.error().message;
-        return;
-      }
-      auto hashed = HashImageBytes(*bytes, image.shown);
-      if (!hashed) {
-        image.problem = hashed.error().message;
-        return;
-      }
-      image.layout = hashed->layout;
-      image.hashes = hashed->hashes;
-      return;
-    }
-  });
+  while (end < images.size() && images[end].path == archive && !images[end].member.empty())
+    ++end;
+  Status read =
+      ReadZipMembers(archive, kImageMasks, [&](const std::string& name, Result<std::string> bytes) {
+        for (std::size_t i = from; i < end; ++i) {
+          IdentifiedImage& image = images[i];
+          if (image.member != name || image.hashes || !image.problem.empty()) continue;
+          if (!bytes) {
+            image.problem = bytes.error().message;
+            return;
+          }
+          auto hashed = HashImageBytes(*bytes, image.shown);
+          if (!hashed) {
+            image.problem = hashed.error().message;
+            return;
+          }
+          image.layout = hashed->layout;
+          image.hashes = hashed->hashes;
+          return;
+        }
+      });
   for (std::size_t i = from; i < end; ++i) {
     if (!images[i].hashes && images[i].problem.empty())
-      images[i].problem = read ? "The member could not be found again in the archive"
-                               : read.error().message;
+      images[i].problem =
+          read ? "The member could not be found again in the archive" : read.error().message;
   }
   return end;
 }
@@ -208,13 +209,15 @@ void IdentifyImages(std::vector<IdentifiedImage>& images, const DatIndex& index,
         image.problem = hashed.error().message;
       }
       done += SizeOf(image.path);
-      for (const auto& later : image.laterVolumes) done += SizeOf(later);
+      for (const auto& later : image.laterVolumes)
+        done += SizeOf(later);
     }
     for (std::size_t j = i; j < next; ++j) {
       if (images[j].hashes) images[j].match = index.Find(*images[j].hashes);
     }
     if (host != nullptr && !cancelled && total > 0)
-      cancelled = !host->SetProgress(static_cast<int>(std::min<std::uint64_t>(100, done * 100 / total)));
+      cancelled =
+          !host->SetProgress(static_cast<int>(std::min<std::uint64_t>(100, done * 100 / total)));
     i = next;
   }
 }

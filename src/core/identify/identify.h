@@ -46,7 +46,7 @@ private:
 
 /// One identified image: a file, a split set (by its first volume) or an archive member.
 struct IdentifiedImage {
-  std::string shown;  ///< the file as given, or "archive\\member"
+  std::string shown;           ///< the file as given, or "archive\\member"
   std::filesystem::path path;  ///< the file on disk (the archive for a member)
   std::string member;          ///< the member's name inside the archive, else empty
   std::vector<std::filesystem::path> laterVolumes;  ///< a split set's volumes after the first

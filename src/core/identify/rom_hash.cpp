@@ -48,11 +48,14 @@ RomHashes RomHasher::Finish() {
   EVP_DigestFinal_ex(m_digest->context.get(), digest, &length);
   RomHashes hashes{m_size, m_crc, {}};
   hashes.sha1.reserve(length * 2);
-  for (unsigned int i = 0; i < length; ++i) hashes.sha1 += fmt::format("{:02x}", digest[i]);
+  for (unsigned int i = 0; i < length; ++i)
+    hashes.sha1 += fmt::format("{:02x}", digest[i]);
   return hashes;
 }
 
-std::string Crc32Text(std::uint32_t crc) { return fmt::format("{:08x}", crc); }
+std::string Crc32Text(std::uint32_t crc) {
+  return fmt::format("{:08x}", crc);
+}
 
 namespace {
 
@@ -60,8 +63,9 @@ namespace {
 constexpr std::size_t kChunk = 64 * kBlockSize;
 
 std::string NotWholeBlocks(std::string_view name) {
-  return std::string(name) + std::string(" holds SMD data that is not a whole number of 16 KiB blocks; "
-                            "it cannot be put in plain order");
+  return std::string(name) + std::string(
+                                 " holds SMD data that is not a whole number of 16 KiB blocks; "
+                                 "it cannot be put in plain order");
 }
 
 // The ROM data of an SMD file or split volume after its copier header, de-interleaved.
@@ -102,8 +106,8 @@ Result<RomHashes> HashSplitSet(const std::filesystem::path& first) {
 
 Result<RomHashes> HashMd(std::string_view bytes, std::string_view name) {
   if (bytes.size() % 2 != 0)
-    return Error{fmt::format("{} is an MD image of odd length; it cannot be put in plain order",
-                             name)};
+    return Error{
+        fmt::format("{} is an MD image of odd length; it cannot be put in plain order", name)};
   RomHasher hasher;
   hasher.Update(MdToBin(bytes));
   return hasher.Finish();

@@ -49,7 +49,8 @@ TEST(DatFile, DamagedEntriesAreLeftOutWithTheirLineAndTheRestKept) {
   ASSERT_EQ(dat->games.size(), 1u);
   EXPECT_EQ(dat->games[0].name, "Good");
   ASSERT_EQ(dat->problems.size(), 5u);
-  EXPECT_THAT(dat->problems[0], HasSubstr("line 3: game \"Bad crc\": rom \"b\" has a malformed crc"));
+  EXPECT_THAT(dat->problems[0],
+              HasSubstr("line 3: game \"Bad crc\": rom \"b\" has a malformed crc"));
   EXPECT_THAT(dat->problems[3], HasSubstr("neither a crc nor a sha1"));
   EXPECT_THAT(dat->problems[4], HasSubstr("line 7: a game without a name"));
 }
@@ -81,9 +82,10 @@ TEST(DatFile, HostileOrBrokenXmlIsRefusedOrHarmless) {
 }
 
 TEST(DatFile, Latin1DeclaredNamesBecomeUtf8) {
-  auto dat = ParseDatFile("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><datafile><game "
-                          "name=\"Pok\xe9mon\"><rom name=\"p\" crc=\"12345678\"/></game></datafile>",
-                          "d");
+  auto dat = ParseDatFile(
+      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><datafile><game "
+      "name=\"Pok\xe9mon\"><rom name=\"p\" crc=\"12345678\"/></game></datafile>",
+      "d");
   ASSERT_TRUE(dat.ok()) << dat.error().message;
   EXPECT_EQ(dat->games.at(0).name, "Pok\xc3\xa9mon");
 }

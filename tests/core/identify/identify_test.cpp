@@ -4,10 +4,10 @@
 #include <gtest/gtest.h>
 
 #include "core/cart/convert.h"
+#include "core/common/strings.h"
 #include "core/demo/demo_collection.h"
 #include "core/demo/demo_dat.h"
 #include "core/identify/dat_rename.h"
-#include "core/common/strings.h"
 #include "support/byte_files.h"
 #include "support/cart_images.h"
 #include "support/scripted_host.h"
@@ -104,9 +104,10 @@ protected:
   static std::string Summary(const IdentifiedImage& image) {
     std::string name = PathToUtf8(image.path.filename());
     if (!image.member.empty()) name += "|" + image.member;
-    return name + ": " + (image.match ? image.match->game + " by " + image.match->matchedBy
-                          : image.hashes ? "unknown"
-                                         : "error");
+    return name + ": " +
+           (image.match    ? image.match->game + " by " + image.match->matchedBy
+            : image.hashes ? "unknown"
+                           : "error");
   }
   DatFile m_dat;
 };
@@ -115,7 +116,8 @@ TEST_F(DemoIdentification, MatchesSomeListsTheUnknownAndKeepsSplitSetsWhole) {
   test::ScriptedHost host;
   auto images = Identify({PathToUtf8(Dir()), PathToUtf8(PathOf("gone"))}, &host);
   std::vector<std::string> summaries;
-  for (const auto& image : images) summaries.push_back(Summary(image));
+  for (const auto& image : images)
+    summaries.push_back(Summary(image));
   EXPECT_THAT(summaries,
               ElementsAre("Broken Lantern (E).bin: unknown", "Coral Archive (B).bin: unknown",
                           "Harbor Lights (U).smd: Harbor Lights (USA) by crc32+sha1",
@@ -147,7 +149,8 @@ TEST_F(DemoIdentification, RenamingNeverReplacesAndRefusesNamesThatLeadElsewhere
   images[1].match = DatMatch{"a/b", "r", "sha1"};
   const RenamePlan plan = PlanDatRenames(images);
   std::vector<std::string> targets;
-  for (const auto& step : plan.steps) targets.push_back(PathToUtf8(step.to.filename()));
+  for (const auto& step : plan.steps)
+    targets.push_back(PathToUtf8(step.to.filename()));
   EXPECT_THAT(targets, ElementsAre("Iron Meadow (Europe).1", "Iron Meadow (Europe).2",
                                    "Iron Meadow (Europe).3", "Quiet Orbit (Japan).md",
                                    "Star Courier (World) (Rev 1).bin"));
