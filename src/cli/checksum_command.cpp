@@ -29,8 +29,8 @@ int CheckFile(const std::string& name, const ChecksumOptions& options, AppSettin
               ToolContext& context, std::ostream& out, Json& record) {
   const std::filesystem::path path = Utf8ToPath(name);
   const std::string shown = EscapeForDisplay(name);
-  record = {{"file", JsonText(name)}, {"layout", nullptr}, {"stored", nullptr},
-            {"computed", nullptr},   {"correct", nullptr}, {"fixed", false},
+  record = {{"file", JsonText(name)}, {"layout", nullptr},  {"stored", nullptr},
+            {"computed", nullptr},    {"correct", nullptr}, {"fixed", false},
             {"error", nullptr}};
   const auto fail = [&](const std::string& message) {
     context.err << message << '\n';

@@ -25,7 +25,8 @@ void RunList(const ListOptions& options, ToolContext& context) {
   if (!model) return;
   if (options.json) {
     Json entries = Json::array();
-    for (const std::string& entry : model->Entries()) entries.push_back(JsonText(entry));
+    for (const std::string& entry : model->Entries())
+      entries.push_back(JsonText(entry));
     PrintJson(context.out, {{"place", JsonText(model->Diret())},
                             {"archive", model->IsZipListing()},
                             {"entries", entries},

@@ -63,8 +63,11 @@ bool IsOwnPatchValue(std::string_view valueName, std::string_view listText) {
 Json PatchJson(std::string_view name, std::string_view data) {
   const auto patch = DecodePatchValue(data);
   if (!patch)
-    return {{"name", JsonText(name)}, {"position", nullptr}, {"newBytes", nullptr},
-            {"oldBytes", nullptr}, {"error", kMalformedPatch}};
+    return {{"name", JsonText(name)},
+            {"position", nullptr},
+            {"newBytes", nullptr},
+            {"oldBytes", nullptr},
+            {"error", kMalformedPatch}};
   return {{"name", JsonText(name)},
           {"position", patch->position - 1},
           {"newBytes", TextToHex(patch->newBytes)},

@@ -47,8 +47,7 @@ Layout DetectRomFormat(const BinaryFile* file, std::string_view fileName) {
 Layout DetectRomFormat(std::string_view bytes) {
   return DetectFromBytes(
       [bytes](std::uint64_t offset, std::size_t count) {
-        return offset >= bytes.size() ? std::string()
-                                      : std::string(bytes.substr(offset, count));
+        return offset >= bytes.size() ? std::string() : std::string(bytes.substr(offset, count));
       },
       bytes.size());
 }

@@ -94,19 +94,16 @@ Status WriteFileAtomically(const std::filesystem::path& target, std::string_view
 }
 
 Status RenameWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to) {
-  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return {};
-  if (errno == EEXIST)
+  const auto taken = [&] {
     return Error{"Cannot rename " + PathToUtf8(from) + ": " + PathToUtf8(to) + " already exists",
                  EEXIST};
+  };
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return {};
+  if (errno == EEXIST) return taken();
   if (errno != EINVAL && errno != ENOSYS) return ErrnoError("Cannot rename", from);
   // A file system without an exclusive rename: a hard link is just as exclusive.
-  if (link(from.c_str(), to.c_str()) != 0) {
-    if (errno == EEXIST)
-      return Error{"Cannot rename " + PathToUtf8(from) + ": " + PathToUtf8(to) +
-                       " already exists",
-                   EEXIST};
-    return ErrnoError("Cannot rename", from);
-  }
+  if (link(from.c_str(), to.c_str()) != 0)
+    return errno == EEXIST ? taken() : ErrnoError("Cannot rename", from);
   if (unlink(from.c_str()) != 0) return ErrnoError("Cannot remove the old name", from);
   return {};
 }

@@ -104,8 +104,7 @@ std::string LimitText(std::uint64_t limit) {
 // Reads the current member's data in pieces into `sink`, within `sizeLimit`, checking that
 // it holds what the archive claims.
 Status ReadCurrent(archive* reader, archive_entry* entry, std::string_view member,
-                   std::uint64_t sizeLimit,
-                   const std::function<Status(std::string_view)>& sink) {
+                   std::uint64_t sizeLimit, const std::function<Status(std::string_view)>& sink) {
   const std::string quoted = "The ZIP member \"" + std::string(member) + "\"";
   const bool sizeKnown = archive_entry_size_is_set(entry) != 0;
   const auto claimed =
@@ -124,8 +123,7 @@ Status ReadCurrent(archive* reader, archive_entry* entry, std::string_view membe
     if (held > sizeLimit)
       return Error{quoted + " unpacks to more than " + LimitText(sizeLimit) +
                    " and is not extracted."};
-    if (Status taken = sink(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
-        !taken)
+    if (Status taken = sink(std::string_view(buffer.data(), static_cast<std::size_t>(got))); !taken)
       return taken;
   }
   if (sizeKnown && held != claimed)
@@ -201,10 +199,11 @@ Status ReadZipMembers(const std::filesystem::path& path, std::string_view masks,
         name.back() == '/' || !MatchesAnyMask(name, masks))
       continue;
     std::string bytes;
-    Status read = ReadCurrent(reader->get(), entry, name, sizeLimit, [&bytes](std::string_view data) {
-      bytes.append(data);
-      return Status{};
-    });
+    Status read =
+        ReadCurrent(reader->get(), entry, name, sizeLimit, [&bytes](std::string_view data) {
+          bytes.append(data);
+          return Status{};
+        });
     visit(name, read ? Result<std::string>(std::move(bytes)) : Result<std::string>(read.error()));
   }
 }
