@@ -9,6 +9,7 @@ TOOL := $(BUILD_DIR)/src/cli/romsteward-tool
 DEB_PACKAGES := cmake ninja-build g++ pkg-config \
   libcli11-dev libfmt-dev nlohmann-json3-dev libsqlite3-dev libarchive-dev \
   libgtest-dev libgmock-dev libbenchmark-dev
+DEB_PACKAGES += libpugixml-dev zlib1g-dev libssl-dev
 
 # Warnings are errors wherever CI runs.
 CMAKE_FLAGS := $(if $(CI),-DROMSTEWARD_WERROR=ON,)

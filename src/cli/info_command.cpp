@@ -52,6 +52,7 @@ nlohmann::ordered_json ToJson(const FileInfo& info) {
       {"sramEnd", h.sram.end},
       {"countries", text(h.countries)},
       {"sizeMbit", info.sizeMbit},
+      {"error", nullptr},
   };
 }
 
@@ -84,6 +85,9 @@ int RunInfo(const InfoOptions& options, ToolContext& context) {
     auto file = BinaryFile::Open(Utf8ToPath(name));
     if (!file) {
       context.err << file.error().message << '\n';
+      // Listed all the same, so a script sees every file it named.
+      if (options.json)
+        all.push_back({{"file", Latin1FallbackToUtf8(name)}, {"error", file.error().message}});
       status = kExitError;
       continue;
     }

@@ -3,6 +3,7 @@
 #include <memory>
 #include <ostream>
 
+#include "cli/json_output.h"
 #include "cli/rom_place.h"
 #include "cli/tool.h"
 
@@ -12,6 +13,7 @@ namespace {
 
 struct ListOptions {
   bool all = false;
+  bool json = false;
   std::string sort = "name";
   std::string place;
 };
@@ -21,6 +23,16 @@ void RunList(const ListOptions& options, ToolContext& context) {
       OpenPlace(context, options.place, options.all ? ListFilter::AllFiles : ListFilter::RomFiles,
                 options.sort == "type" ? SortOrder::Type : SortOrder::Name);
   if (!model) return;
+  if (options.json) {
+    Json entries = Json::array();
+    for (const std::string& entry : model->Entries())
+      entries.push_back(JsonText(entry));
+    PrintJson(context.out, {{"place", JsonText(model->Diret())},
+                            {"archive", model->IsZipListing()},
+                            {"entries", entries},
+                            {"count", model->Entries().size()}});
+    return;
+  }
   for (const std::string& entry : model->Entries())
     context.out << PrintableName(entry) << '\n';
   context.out << model->Texts().txtFiles << '\n';
@@ -38,6 +50,7 @@ void AddListCommand(CLI::App& app, ToolContext& context) {
                    "Order of a directory's list (an archive keeps its own)")
       ->check(CLI::IsMember({"name", "type"}))
       ->capture_default_str();
+  command->add_flag("--json", options->json, "One JSON object: the place and its entries");
   command->add_option("place", options->place, "A directory or a ZIP archive")->required();
   command->callback([options, &context] { RunList(*options, context); });
 }

@@ -6,6 +6,7 @@
 #include <memory>
 #include <ostream>
 
+#include "cli/json_output.h"
 #include "cli/tool.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
@@ -25,6 +26,7 @@ struct PatchOptions {
   std::string value;
   std::string ips;
   std::string baseName;
+  bool json = false;
 };
 
 // The text the image is listed under, which its patches are filed by.
@@ -50,6 +52,48 @@ void PrintPatch(std::ostream& out, std::string_view name, std::string_view data)
                      Hex(patch->oldBytes));
 }
 
+// Whether a stored value is one of the image's own patches ("image|name"), not a patch of a
+// longer name beginning with it.
+bool IsOwnPatchValue(std::string_view valueName, std::string_view listText) {
+  const auto separator = valueName.find('|');
+  return separator != std::string_view::npos &&
+         EqualsIgnoreCase(valueName.substr(0, separator), listText);
+}
+
+Json PatchJson(std::string_view name, std::string_view data) {
+  const auto patch = DecodePatchValue(data);
+  if (!patch)
+    return {{"name", JsonText(name)},
+            {"position", nullptr},
+            {"newBytes", nullptr},
+            {"oldBytes", nullptr},
+            {"error", kMalformedPatch}};
+  return {{"name", JsonText(name)},
+          {"position", patch->position - 1},
+          {"newBytes", TextToHex(patch->newBytes)},
+          {"oldBytes", TextToHex(patch->oldBytes)},
+          {"error", nullptr}};
+}
+
+// The same facts as RunList's text: the image's own patches, then the others applied at
+// launch.
+int PrintListJson(const RegistryStore& store, const std::string& listText,
+                  const std::vector<std::string>& own, const LaunchPatches& launch,
+                  ToolContext& context) {
+  Json patches = Json::array();
+  for (const std::string& name : own) {
+    const auto data = store.GetValue(PatchKeyPath(), PatchValueName(listText, name));
+    patches.push_back(PatchJson(name, data ? *data : std::string()));
+  }
+  Json also = Json::array();
+  for (const auto& [valueName, data] : launch) {
+    if (!IsOwnPatchValue(valueName, listText)) also.push_back(PatchJson(valueName, data));
+  }
+  PrintJson(context.out,
+            {{"image", JsonText(listText)}, {"patches", patches}, {"alsoAtLaunch", also}});
+  return kExitOk;
+}
+
 int RunList(const PatchOptions& options, ToolContext& context) {
   AppSettings* settings = context.SettingsOrReport();
   if (!settings) return kExitError;
@@ -57,6 +101,8 @@ int RunList(const PatchOptions& options, ToolContext& context) {
   const std::string listText = ListText(options.file);
   const auto launch = PatchesForLaunch(store, listText);
   const auto own = ListDynamicPatchNames(store, listText);
+  if (options.json)
+    return PrintListJson(store, listText, own, launch ? *launch : LaunchPatches{}, context);
   if (own.empty() && (!launch || launch->empty())) {
     context.out << "No dynamic patches found\n";
     return kExitOk;
@@ -69,11 +115,7 @@ int RunList(const PatchOptions& options, ToolContext& context) {
   // Values of longer names that begin with this one are applied at launch too.
   bool headed = false;
   for (const auto& [valueName, data] : launch ? *launch : LaunchPatches{}) {
-    const auto separator = valueName.find('|');
-    if (separator != std::string::npos &&
-        EqualsIgnoreCase(std::string_view(valueName).substr(0, separator), listText)) {
-      continue;
-    }
+    if (IsOwnPatchValue(valueName, listText)) continue;
     if (!std::exchange(headed, true)) context.out << "Also applied at launch:\n";
     PrintPatch(context.out, valueName, data);
   }
@@ -158,6 +200,7 @@ void AddPatchCommand(CLI::App& app, ToolContext& context) {
   };
 
   CLI::App* list = patch->add_subcommand("list", "Show the image's patches");
+  list->add_flag("--json", options->json, "One JSON object: the image's patches");
   addFile(list);
   list->callback([options, &context] { context.status = RunList(*options, context); });
 

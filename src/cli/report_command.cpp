@@ -12,6 +12,7 @@
 #include "core/common/atomic_file.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
+#include "core/identify/chosen_dat.h"
 #include "core/launch/temp_folder.h"
 #include "core/tools/report_generator.h"
 
@@ -56,7 +57,16 @@ void RunReport(const ReportOptions& options, ToolContext& context) {
     if (error) return Fail(context, "No temporary folder to extract into: " + error.message());
   }
 
-  auto report = BuildRomListReport(text, source, RomNameChoice::Overseas, temp, context.host());
+  std::unique_ptr<ChosenDat> dat;
+  if (text.find(PlaceholderText(Placeholder::DatName)) != std::string::npos) {
+    AppSettings* settings = context.SettingsOrReport();
+    if (!settings) return;
+    auto loaded = LoadChosenDat(*settings);
+    if (!loaded) return Fail(context, loaded.error().message);
+    dat = std::move(*loaded);
+  }
+  auto report =
+      BuildRomListReport(text, source, RomNameChoice::Overseas, temp, context.host(), dat.get());
   if (!report) return Fail(context, report.error().message);
   if (options.output.empty() || options.output == "-") {
     context.out << *report;

@@ -100,6 +100,7 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddChecksumCommand(app, context);
   AddRestoreChecksumCommand(app, context);
   AddRepairCommand(app, context);
+  AddIdentifyCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

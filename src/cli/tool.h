@@ -99,5 +99,6 @@ void AddReportCommand(CLI::App& app, ToolContext& context);
 void AddChecksumCommand(CLI::App& app, ToolContext& context);
 void AddRestoreChecksumCommand(CLI::App& app, ToolContext& context);
 void AddRepairCommand(CLI::App& app, ToolContext& context);
+void AddIdentifyCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli

@@ -36,7 +36,8 @@ TEST(InfoCommand, JsonOfTheDemoCollectionHasExactlyTheDocumentedKeys) {
   const std::vector<std::string> keys{
       "file",        "layout",  "layoutName", "makerDate", "domesticName", "overseasName",
       "productType", "serial",  "version",    "checksum",  "devices",      "romStart",
-      "romEnd",      "romSize", "sramStart",  "sramEnd",   "countries",    "sizeMbit"};
+      "romEnd",      "romSize", "sramStart",  "sramEnd",   "countries",    "sizeMbit",
+      "error"};
   std::set<std::string> layouts;
   for (const auto& object : json) {
     std::vector<std::string> names;

@@ -3,6 +3,7 @@
 #include "core/host/app_title.h"
 #include "core/host/host.h"
 #include "core/common/strings.h"
+#include "core/identify/chosen_dat.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"
 #include "core/library/dir_history.h"

@@ -15,6 +15,7 @@
 namespace romsteward {
 
 class AppSettings;
+class ChosenDat;
 class FileOperations;
 class Host;
 
@@ -31,6 +32,9 @@ struct WindowTexts {
   std::string txtRAM;                    ///< "RAM: 8192 bytes"
   std::vector<std::string> cmbSave;      ///< the saved games of the cartridge
   std::vector<std::string> cmbCartLang;  ///< the country choices of the cartridge
+  /// Our own addition: the image's game name in the chosen DAT file, "unknown" when it
+  /// does not know the image, empty without a DAT or for what is no image.
+  std::string txtDatName;
 };
 
 inline constexpr std::string_view kNormalArchive = "Normal Archive";
@@ -132,6 +136,7 @@ private:
   void ShowNonImage(bool zip);
   void ShowImage(const std::string& name, bool splitLater);
   void FillSavedGames();
+  void ShowDatName();
   std::filesystem::path SelectedPath() const;
   void FillFromDirectory();
   void FillFromZip();
@@ -148,6 +153,9 @@ private:
   EmulatorOptions m_options;
   std::unique_ptr<FileOperations> m_ownOperations;
   FileOperations& m_operations;
+  // The chosen DAT, read again only when the setting names another file.
+  std::string m_datFile;
+  std::unique_ptr<ChosenDat> m_dat;
 };
 
 }  // namespace romsteward

@@ -12,6 +12,7 @@
 #include "core/cart/rom_size_check.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
+#include "core/identify/chosen_dat.h"
 #include "core/launch/saved_games.h"
 #include "core/library/place.h"
 #include "core/patch/dynamic_patches.h"
@@ -152,6 +153,7 @@ bool MainWindowModel::RenameFirstVolume(const std::string& name) {
 }
 
 void MainWindowModel::ShowNonImage(bool zip) {
+  m_texts.txtDatName.clear();
   m_texts.txtbits = kUnknownSize;
   m_texts.txtRAM = kUnknownRam;
   m_texts.cmbSave = {std::string(kNoSavedGames)};
@@ -164,6 +166,7 @@ void MainWindowModel::ShowNonImage(bool zip) {
 void MainWindowModel::ShowImage(const std::string& name, bool splitLater) {
   FillSavedGames();
   CheckEmbeddedHeader(m_host, m_settings, SelectedPath(), name);
+  ShowDatName();
   if (splitLater) {
     m_texts.caption = Caption(kSplittedVolume);
     m_texts.txtbits = kUnknownSize;
@@ -228,6 +231,24 @@ std::optional<std::string> MainWindowModel::PreviewPicture(
   const std::string fallback = JoinDirName(programDirectory, kDefaultPicture);
   if (PathExists(fallback, PathKind::File)) return fallback;
   return std::nullopt;
+}
+
+void MainWindowModel::ShowDatName() {
+  m_texts.txtDatName.clear();
+  const std::string file = ChosenDatFile(m_settings);
+  if (file.empty()) return;
+  if (file != m_datFile) {
+    // Told once per file: a DAT that cannot be read leaves the name empty afterwards.
+    m_datFile = file;
+    m_dat.reset();
+    auto loaded = LoadChosenDat(m_settings);
+    if (!loaded) {
+      m_host.ShowMessage(loaded.error().message, MessageIcon::Exclamation, kAppTitle);
+      return;
+    }
+    m_dat = std::move(*loaded);
+  }
+  if (m_dat) m_texts.txtDatName = m_dat->NameOf(SelectedPath());
 }
 
 }  // namespace romsteward

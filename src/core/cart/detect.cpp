@@ -8,29 +8,48 @@
 
 namespace romsteward {
 
+namespace {
+
+// The detection itself, over anything that reads bytes at an offset and knows its size.
+template <class ReadAt>
+Layout DetectFromBytes(const ReadAt& readAt, std::uint64_t size) {
+  // Only the odd letters of "SEGA" are looked for in the interleaved layouts: offsets 0x280
+  // (SMD) and 0x80 (MD) are where logical bytes 0x101 and 0x103 land.
+  if (readAt(0x100, 4) == "SEGA") return Layout::Bin;
+  if (readAt(0x280, 2) == "EA") {
+    const std::string split = readAt(2, 1);
+    return split == "\x40" ? Layout::SplitFirst : Layout::Smd;
+  }
+  if (readAt(0x80, 2) == "EA") return Layout::Md;
+
+  // A later volume carries only its copier header; its "more volumes" byte may say either.
+  std::string header = readAt(0, kCopierHeaderSize);
+  if (header.size() == kCopierHeaderSize) {
+    header[2] = 0x40;
+    const auto blocks = static_cast<std::int64_t>(size / kBlockSize);
+    if (header == BuildSmdHeader(blocks, true)) return Layout::SplitLater;
+  }
+  return Layout::NoRom;
+}
+
+}  // namespace
+
 Layout DetectRomFormat(const BinaryFile* file, std::string_view fileName) {
   if (file == nullptr) {
     const Layout byName = LayoutFromCode(FileExtension(fileName));
     return byName == Layout::SplitLater ? Layout::NoRom : byName;
   }
+  return DetectFromBytes(
+      [file](std::uint64_t offset, std::size_t count) { return file->ReadAt(offset, count); },
+      file->Size());
+}
 
-  // Only the odd letters of "SEGA" are looked for in the interleaved layouts: offsets 0x280
-  // (SMD) and 0x80 (MD) are where logical bytes 0x101 and 0x103 land.
-  if (file->ReadAt(0x100, 4) == "SEGA") return Layout::Bin;
-  if (file->ReadAt(0x280, 2) == "EA") {
-    const std::string split = file->ReadAt(2, 1);
-    return split == "\x40" ? Layout::SplitFirst : Layout::Smd;
-  }
-  if (file->ReadAt(0x80, 2) == "EA") return Layout::Md;
-
-  // A later volume carries only its copier header; its "more volumes" byte may say either.
-  std::string header = file->ReadAt(0, kCopierHeaderSize);
-  if (header.size() == kCopierHeaderSize) {
-    header[2] = 0x40;
-    const auto blocks = static_cast<std::int64_t>(file->Size() / kBlockSize);
-    if (header == BuildSmdHeader(blocks, true)) return Layout::SplitLater;
-  }
-  return Layout::NoRom;
+Layout DetectRomFormat(std::string_view bytes) {
+  return DetectFromBytes(
+      [bytes](std::uint64_t offset, std::size_t count) {
+        return offset >= bytes.size() ? std::string() : std::string(bytes.substr(offset, count));
+      },
+      bytes.size());
 }
 
 std::uint8_t RomSizeMbit(const BinaryFile& file, std::string_view name, Layout layout) {

@@ -13,6 +13,8 @@ namespace romsteward {
 /// (any case) are known and everything else is NoRom.
 Layout DetectRomFormat(const BinaryFile* file, std::string_view fileName);
 inline Layout DetectRomFormat(const BinaryFile& file) { return DetectRomFormat(&file, {}); }
+/// The layout of a whole image held in memory (an archive member), by the same signatures.
+Layout DetectRomFormat(std::string_view bytes);
 
 /// Cartridge size in megabits, the copier headers of a split set counted once. Saturates at
 /// 255 like the byte it is kept in.

@@ -39,4 +39,8 @@ private:
 /// The whole of `contents` as the new `target`, through AtomicFileWriter.
 Status WriteFileAtomically(const std::filesystem::path& target, std::string_view contents);
 
+/// Renames `from` to `to` in one step, refusing (with a message naming both) when `to`
+/// already exists, even if it appears between a check and the rename.
+Status RenameWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to);
+
 }  // namespace romsteward

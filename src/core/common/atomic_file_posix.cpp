@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <stdio.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -90,6 +91,21 @@ Status WriteFileAtomically(const std::filesystem::path& target, std::string_view
   if (!writer) return writer.error();
   if (Status written = writer->Write(contents); !written) return written;
   return writer->Commit();
+}
+
+Status RenameWithoutReplacing(const std::filesystem::path& from, const std::filesystem::path& to) {
+  const auto taken = [&] {
+    return Error{"Cannot rename " + PathToUtf8(from) + ": " + PathToUtf8(to) + " already exists",
+                 EEXIST};
+  };
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return {};
+  if (errno == EEXIST) return taken();
+  if (errno != EINVAL && errno != ENOSYS) return ErrnoError("Cannot rename", from);
+  // A file system without an exclusive rename: a hard link is just as exclusive.
+  if (link(from.c_str(), to.c_str()) != 0)
+    return errno == EEXIST ? taken() : ErrnoError("Cannot rename", from);
+  if (unlink(from.c_str()) != 0) return ErrnoError("Cannot remove the old name", from);
+  return {};
 }
 
 }  // namespace romsteward

@@ -11,6 +11,7 @@
 #include "core/common/atomic_file.h"
 #include "core/common/strings.h"
 #include "core/demo/cartridge_builder.h"
+#include "core/demo/demo_dat.h"
 
 namespace romsteward {
 
@@ -84,17 +85,21 @@ Status WriteDemoCollection(const std::filesystem::path& dir) {
     files.emplace_back(std::move(name), std::move(bytes));
   };
 
-  add("Star Courier (W).bin",
-      BuildCartridgeImage(Cart("(C)SEGA 1994.JAN", "STAR COURIER", "JUE", "J", 512, 1)));
-  add("Harbor Lights (U).smd",
-      EncodeImage(BuildCartridgeImage(Cart("(C)T-12 1992.FEB", "HARBOR LIGHTS", "U", "J6", 256, 2)),
-                  Layout::Smd));
-  add("Quiet Orbit (J).md",
-      EncodeImage(BuildCartridgeImage(Cart("(C)ACLD 1991.AUG", "QUIET ORBIT", "J", "JK", 256, 3)),
-                  Layout::Md));
+  const std::string starCourier =
+      BuildCartridgeImage(Cart("(C)SEGA 1994.JAN", "STAR COURIER", "JUE", "J", 512, 1));
+  const std::string harborLights =
+      BuildCartridgeImage(Cart("(C)T-12 1992.FEB", "HARBOR LIGHTS", "U", "J6", 256, 2));
+  const std::string quietOrbit =
+      BuildCartridgeImage(Cart("(C)ACLD 1991.AUG", "QUIET ORBIT", "J", "JK", 256, 3));
+  const std::string ironMeadow =
+      BuildCartridgeImage(Cart("(C)T-81 1993.AUG", "IRON MEADOW", "E", "J4", 768, 4));
+  const std::string tinSoldier =
+      BuildCartridgeImage(Cart("(C)T-95 1992.NOV", "TIN SOLDIER", "U", "J", 128, 7));
+  add("Star Courier (W).bin", starCourier);
+  add("Harbor Lights (U).smd", EncodeImage(harborLights, Layout::Smd));
+  add("Quiet Orbit (J).md", EncodeImage(quietOrbit, Layout::Md));
 
-  const auto volumes = BuildSplitVolumes(
-      BuildCartridgeImage(Cart("(C)T-81 1993.AUG", "IRON MEADOW", "E", "J4", 768, 4)), 256 * 1024);
+  const auto volumes = BuildSplitVolumes(ironMeadow, 256 * 1024);
   for (std::size_t i = 0; i < volumes.size(); ++i)
     add("Iron Meadow." + std::to_string(i + 1), volumes[i]);
 
@@ -112,14 +117,22 @@ Status WriteDemoCollection(const std::filesystem::path& dir) {
       "Every image in it was made up by the program itself.\n");
 
   auto zip = BuildZipArchive({
-      {"Tin Soldier (U).bin",
-       BuildCartridgeImage(Cart("(C)T-95 1992.NOV", "TIN SOLDIER", "U", "J", 128, 7))},
+      {"Tin Soldier (U).bin", tinSoldier},
       {"Velvet Comet (J).smd",
        EncodeImage(BuildCartridgeImage(Cart("(C)WSTN 1991.DEC", "VELVET COMET", "J", "J6", 128, 8)),
                    Layout::Smd)},
   });
   if (!zip) return zip.error();
   add("Pocket Pair.zip", std::move(*zip));
+
+  // Some of the collection under other names, some left out, and one damaged entry.
+  add(std::string(kDemoDatName), BuildDemoDat({
+                                     {"Star Courier (World) (Rev 1)", starCourier},
+                                     {"Harbor Lights (USA)", harborLights},
+                                     {"Quiet Orbit (Japan)", quietOrbit, true, false},
+                                     {"Iron Meadow (Europe)", ironMeadow},
+                                     {"Tin Soldier (USA)", tinSoldier, false, true},
+                                 }));
 
   for (const auto& [name, bytes] : files) {
     if (Status written = WriteFileAtomically(dir / Utf8ToPath(name), bytes); !written)

@@ -11,8 +11,9 @@
 namespace romsteward {
 
 /// Writes the demo collection into `dir` (created when missing): one image in each layout,
-/// a split set, an image with a wrong checksum, one with backup RAM, a file that is no image
-/// and a ZIP archive holding two images. Only the collection's own files are replaced.
+/// a split set, an image with a wrong checksum, one with backup RAM, a file that is no image,
+/// a ZIP archive holding two images and a DAT file naming some of them. Only the
+/// collection's own files are replaced.
 Status WriteDemoCollection(const std::filesystem::path& dir);
 
 /// The volumes of a split set holding `logical` (whole 16 KiB blocks), `volumeBytes` of ROM

@@ -4,6 +4,7 @@
 #include <archive_entry.h>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <system_error>
 
@@ -100,8 +101,10 @@ std::string LimitText(std::uint64_t limit) {
                                     : std::to_string(limit) + " bytes";
 }
 
-Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view member,
-                      const std::filesystem::path& target, std::uint64_t sizeLimit) {
+// Reads the current member's data in pieces into `sink`, within `sizeLimit`, checking that
+// it holds what the archive claims.
+Status ReadCurrent(archive* reader, archive_entry* entry, std::string_view member,
+                   std::uint64_t sizeLimit, const std::function<Status(std::string_view)>& sink) {
   const std::string quoted = "The ZIP member \"" + std::string(member) + "\"";
   const bool sizeKnown = archive_entry_size_is_set(entry) != 0;
   const auto claimed =
@@ -109,8 +112,6 @@ Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view me
   if (sizeKnown && claimed > sizeLimit)
     return Error{quoted + " is larger than " + LimitText(sizeLimit) + " and is not extracted."};
 
-  auto writer = AtomicFileWriter::Create(target);
-  if (!writer) return writer.error();
   std::uint64_t held = 0;
   std::string buffer(64 * 1024, '\0');
   while (true) {
@@ -122,14 +123,23 @@ Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view me
     if (held > sizeLimit)
       return Error{quoted + " unpacks to more than " + LimitText(sizeLimit) +
                    " and is not extracted."};
-    if (Status written =
-            writer->Write(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
-        !written)
-      return written;
+    if (Status taken = sink(std::string_view(buffer.data(), static_cast<std::size_t>(got))); !taken)
+      return taken;
   }
   if (sizeKnown && held != claimed)
     return Error{quoted + " is damaged: the archive claims " + std::to_string(claimed) +
                  " bytes for it, but it holds " + std::to_string(held) + "."};
+  return {};
+}
+
+Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view member,
+                      const std::filesystem::path& target, std::uint64_t sizeLimit) {
+  auto writer = AtomicFileWriter::Create(target);
+  if (!writer) return writer.error();
+  if (Status read = ReadCurrent(reader, entry, member, sizeLimit,
+                                [&writer](std::string_view data) { return writer->Write(data); });
+      !read)
+    return read;
   return writer->Commit();
 }
 
@@ -170,6 +180,32 @@ Result<ZipListing> ListZipEntries(const std::filesystem::path& path, std::string
     }
   }
   return listing;
+}
+
+Status ReadZipMembers(const std::filesystem::path& path, std::string_view masks,
+                      const std::function<void(const std::string&, Result<std::string>)>& visit,
+                      std::uint64_t sizeLimit) {
+  auto reader = OpenZip(path);
+  if (!reader) return reader.error();
+  archive_entry* entry = nullptr;
+  while (true) {
+    const int status = archive_read_next_header(reader->get(), &entry);
+    if (status == ARCHIVE_EOF) return {};
+    if (status < ARCHIVE_WARN)
+      return Error{"The ZIP archive " + PathToUtf8(path) +
+                   " is damaged: " + ErrorText(reader->get())};
+    const std::string name = MemberName(entry);
+    if (archive_entry_filetype(entry) != AE_IFREG || IsLink(entry) || name.empty() ||
+        name.back() == '/' || !MatchesAnyMask(name, masks))
+      continue;
+    std::string bytes;
+    Status read =
+        ReadCurrent(reader->get(), entry, name, sizeLimit, [&bytes](std::string_view data) {
+          bytes.append(data);
+          return Status{};
+        });
+    visit(name, read ? Result<std::string>(std::move(bytes)) : Result<std::string>(read.error()));
+  }
 }
 
 std::string UnsafeMemberNameReason(std::string_view name) {

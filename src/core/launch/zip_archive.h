@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -45,6 +46,13 @@ struct ZipListing {
 /// out. Fails only when the file cannot be opened at all.
 Result<ZipListing> ListZipEntries(const std::filesystem::path& archive, std::string_view masks);
 
+/// Reads each regular member matching `masks` into memory, one at a time in archive order,
+/// and hands `visit` its name and its bytes, or why they cannot be had (larger than
+/// `sizeLimit`, damaged). Fails when the archive cannot be opened or its damage ends the
+/// reading; the members before the damage have been visited.
+Status ReadZipMembers(const std::filesystem::path& archive, std::string_view masks,
+                      const std::function<void(const std::string&, Result<std::string>)>& visit,
+                      std::uint64_t sizeLimit = kMaxZipMemberSize);
 /// Why a member name cannot be extracted safely (absolute, a drive, a ".." step, empty), or
 /// an empty text when it can.
 std::string UnsafeMemberNameReason(std::string_view name);

@@ -7,6 +7,7 @@
 #include "core/common/atomic_file.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
+#include "core/identify/chosen_dat.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"
 
@@ -99,7 +100,17 @@ void RomListForm::CreateList(Host& host, const AppSettings& settings, const RomL
   const std::optional<std::string> output = host.ChooseSaveFile(dialog);
   if (!output || output->empty()) return;
 
-  auto report = BuildRomListReport(m_text, source, m_romName, tempFolder, host);
+  // The chosen DAT is read only for a template that names images from it.
+  std::unique_ptr<ChosenDat> dat;
+  if (m_text.find(PlaceholderText(Placeholder::DatName)) != std::string::npos) {
+    auto loaded = LoadChosenDat(settings);
+    if (!loaded) {
+      host.ShowMessage(loaded.error().message, MessageIcon::Critical, kAppTitle);
+      return;
+    }
+    dat = std::move(*loaded);
+  }
+  auto report = BuildRomListReport(m_text, source, m_romName, tempFolder, host, dat.get());
   if (!report) {
     host.ShowMessage(report.error().message, MessageIcon::Critical, kAppTitle);
     return;

@@ -10,6 +10,7 @@
 #include "core/cart/header.h"
 #include "core/cart/split_set.h"
 #include "core/common/strings.h"
+#include "core/identify/chosen_dat.h"
 #include "core/launch/zip_archive.h"
 
 namespace romsteward {
@@ -105,7 +106,8 @@ std::optional<ReportRecord> ReadReportRecord(const BinaryFile& file,
 
 Result<std::string> BuildRomListReport(std::string_view templateText, const RomListSource& source,
                                        RomNameChoice romName,
-                                       const std::filesystem::path& tempFolder, Host& host) {
+                                       const std::filesystem::path& tempFolder, Host& host,
+                                       const ChosenDat* dat) {
   auto pieces = SplitTemplate(templateText);
   if (!pieces) return pieces.error();
   const ReportFieldNeeds needs = FieldNeedsOf(templateText);
@@ -133,8 +135,11 @@ Result<std::string> BuildRomListReport(std::string_view templateText, const RomL
       {
         auto file = BinaryFile::Open(path);
         if (!file) return file.error();
-        if (auto record = ReadReportRecord(*file, path, entry, needs, romName))
+        if (auto record = ReadReportRecord(*file, path, entry, needs, romName)) {
+          if (dat != nullptr && needs.wanted[static_cast<std::size_t>(Placeholder::DatName)])
+            (*record)[Placeholder::DatName] = dat->NameOf(path);
           records.push_back(std::move(*record));
+        }
       }
       if (source.zip) {
         if (Status removed = RemoveExtractedMember(extractTo->Path(), entry); !removed)

@@ -12,6 +12,7 @@
 
 namespace romsteward {
 
+class ChosenDat;
 class Host;
 
 /// Which header name "%romname%" (kept for old scripts) stands for.
@@ -44,8 +45,10 @@ std::optional<ReportRecord> ReadReportRecord(const BinaryFile& file,
 /// Archive members are extracted one at a time into a private folder made inside
 /// `tempFolder` and deleted with it. Progress goes to the host. An image that cannot be read
 /// or extracted ends the report with a message naming it; nothing is written here.
+/// "%datname%" is looked up in `dat` (empty without one).
 Result<std::string> BuildRomListReport(std::string_view templateText, const RomListSource& source,
                                        RomNameChoice romName,
-                                       const std::filesystem::path& tempFolder, Host& host);
+                                       const std::filesystem::path& tempFolder, Host& host,
+                                       const ChosenDat* dat = nullptr);
 
 }  // namespace romsteward

@@ -31,12 +31,13 @@ enum class Placeholder {
   RomType,
   Roms,
   Size,
+  DatName,  ///< our own addition: the image's name in the chosen DAT file
 };
-inline constexpr std::size_t kPlaceholderCount = 13;
+inline constexpr std::size_t kPlaceholderCount = 14;
 inline constexpr std::array<std::string_view, kPlaceholderCount> kPlaceholderTexts = {
     "%file%",    "%romname%",   "%rampresent%", "%nameoverseas%", "%namedomestic%",
     "%romsize%", "%copyright%", "%countries%",  "%io%",           "%crc%",
-    "%romtype%", "%roms%",      "%size%",
+    "%romtype%", "%roms%",      "%size%",       "%datname%",
 };
 inline constexpr std::string_view PlaceholderText(Placeholder placeholder) {
   return kPlaceholderTexts[static_cast<std::size_t>(placeholder)];

@@ -4,6 +4,8 @@
 #include <algorithm>
 
 #include "core/app/main_window_model.h"
+#include "core/demo/demo_dat.h"
+#include "core/identify/chosen_dat.h"
 #include "core/patch/dynamic_patches.h"
 #include "support/cart_images.h"
 #include "support/place_fixture.h"
@@ -94,6 +96,28 @@ TEST_F(SelectionPanelTest, EachLayoutShowsItsTextsAndTools) {
   SelectName("other.smd");
   SelectName("game.bin");
   EXPECT_EQ(texts.caption, "Genesis Romsteward - NIHON NO NAMAE");
+}
+
+TEST_F(SelectionPanelTest, TheChosenDatNamesTheSelectedImageAndABadOneIsToldOnce) {
+  Collection();
+  SelectName("game.bin");
+  EXPECT_EQ(model.Texts().txtDatName, "");  // no DAT chosen
+  test::WriteTestFile(PathOf("set.dat"),
+                      BuildDemoDat({{"Set (Europe)", test::MakeCartridge(512 * 1024)}}));
+  ASSERT_TRUE(SaveChosenDatFile(settings, PathOf("set.dat")).ok());
+  SelectName("set.1");
+  EXPECT_EQ(model.Texts().txtDatName, "Set (Europe)");
+  SelectName("other.smd");
+  EXPECT_EQ(model.Texts().txtDatName, "unknown");
+  SelectName("zz junk.bin");
+  EXPECT_EQ(model.Texts().txtDatName, "");
+
+  ASSERT_TRUE(SaveChosenDatFile(settings, PathOf("gone.dat")).ok());
+  SelectName("game.bin");
+  SelectName("other.smd");
+  ASSERT_EQ(host.Texts().size(), 1u);
+  EXPECT_THAT(host.Texts()[0], ::testing::HasSubstr("gone.dat is not a DAT file: no such file"));
+  EXPECT_EQ(model.Texts().txtDatName, "");
 }
 
 TEST_F(SelectionPanelTest, AReadOnlyImageCanBeLaunchedButNotWritten) {
