@@ -99,5 +99,8 @@ void AddReportCommand(CLI::App& app, ToolContext& context);
 void AddChecksumCommand(CLI::App& app, ToolContext& context);
 void AddRestoreChecksumCommand(CLI::App& app, ToolContext& context);
 void AddRepairCommand(CLI::App& app, ToolContext& context);
+void AddRunCommand(CLI::App& app, ToolContext& context);
+void AddEmulatorsCommand(CLI::App& app, ToolContext& context);
+void AddHistoryCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli

@@ -50,7 +50,7 @@ std::vector<std::string> SplitSetMembers(const std::filesystem::path& archive,
 std::vector<std::string> ConfiguredEmulatorPaths(const AppSettings& settings) {
   std::vector<std::string> paths;
   for (const auto& profile : EmulatorProfiles()) {
-    std::string path = EmulatorPath(settings, profile);
+    std::string path = settings.GetSetting(kSectionSettings, profile.pathKey);
     if (!path.empty()) paths.push_back(std::move(path));
   }
   return paths;
@@ -178,9 +178,13 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
   input.country = request.country;
   input.extra = request.extraCommandLine;
   std::error_code error;
-  if (input.emulatorPath.empty() ||
-      !std::filesystem::is_regular_file(Utf8ToPath(input.emulatorPath), error))
+  if (dryRun) {
+    // A dry run shows the command even for an emulator not located yet.
+    if (input.emulatorPath.empty()) input.emulatorPath = profile->filter.patterns;
+  } else if (input.emulatorPath.empty() ||
+             !std::filesystem::is_regular_file(Utf8ToPath(input.emulatorPath), error)) {
     return critical(EmulatorNotFoundMessage(profile->name));
+  }
 
   EmulatorCommand command = ComposeEmulatorCommand(input);
   if (!dryRun && command.genIniText) {
@@ -209,8 +213,9 @@ void LaunchCommand::Complete(const ProcessOutcome& outcome) {
 }
 
 void LaunchCommand::CleanUp() {
-  if (m_copies) m_copies->Delete();
+  // The patches first: in an archive's case they were written to the copy.
   if (m_patches) m_patches->Restore();
+  if (m_copies) m_copies->Delete();
   m_copies.reset();
   m_patches.reset();
 }
