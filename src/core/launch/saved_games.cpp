@@ -59,12 +59,13 @@ bool IsKGenSnapshot(const std::string& name, const std::string& prefix) {
 // Mednafen names its files "<base>.<md5 of the image>.<ext>" (older ones "<base>.<ext>").
 // The hash is not recomputed: any 32 hexadecimal digits count, as nothing else writes there.
 bool IsMednafenFile(const std::string& name, const std::string& base, std::string_view ext) {
-  if (!name.starts_with(base + ".") || !name.ends_with(ext)) return false;
-  const std::string_view middle =
-      std::string_view(name).substr(base.size() + 1, name.size() - base.size() - 1 - ext.size());
-  if (middle.empty()) return true;
-  return middle.size() == 33 && middle.back() == '.' &&
-         std::all_of(middle.begin(), middle.end() - 1, IsHexDigit);
+  if (name == base + std::string(ext)) return true;
+  constexpr std::size_t kHashDigits = 32;
+  if (name.size() != base.size() + 1 + kHashDigits + ext.size() || !name.starts_with(base + ".") ||
+      !name.ends_with(ext))
+    return false;
+  const std::string_view hash = std::string_view(name).substr(base.size() + 1, kHashDigits);
+  return std::all_of(hash.begin(), hash.end(), IsHexDigit);
 }
 
 bool IsMednafenState(const std::string& name, const std::string& base) {
