@@ -8,7 +8,7 @@
 
 #include "cli/terminal_host.h"
 #include "core/common/strings.h"
-#include "core/launch/extracted_copies.h"
+#include "core/app/launch_command.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/registry_store.h"
 

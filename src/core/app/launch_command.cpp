@@ -220,6 +220,11 @@ void LaunchCommand::CleanUp() {
   m_patches.reset();
 }
 
+void RecoverInterruptedLaunches(Host& host, RegistryStore& store) {
+  RecoverInterruptedPatchRuns(host, store);
+  RecoverInterruptedExtractions(host, store);
+}
+
 bool RunAndWait(LaunchCommand& launch, PosixProcessRunner& runner, const LaunchRequest& request) {
   const auto command = launch.Begin(request);
   if (!command) return false;

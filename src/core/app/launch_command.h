@@ -20,6 +20,7 @@ class DynamicPatchRun;
 class ExtractedCopies;
 class Host;
 class PosixProcessRunner;
+class RegistryStore;
 
 /// What "Run this game!" launches: the window's place, selection and option controls.
 struct LaunchRequest {
@@ -106,6 +107,10 @@ private:
   bool m_completed = false;
   bool m_succeeded = false;
 };
+
+/// What either program does first: puts back the images a killed run left patched, then
+/// deletes the copies it left extracted.
+void RecoverInterruptedLaunches(Host& host, RegistryStore& store);
 
 /// The terminal tool's launch: Begin, start, wait, Complete. True when the emulator ran and
 /// exited with 0.

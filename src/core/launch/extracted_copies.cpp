@@ -6,7 +6,6 @@
 #include "core/host/app_title.h"
 #include "core/launch/zip_archive.h"
 #include "core/patch/dynamic_patches.h"
-#include "core/patch/patch_run.h"
 #include "core/settings/app_settings.h"
 
 namespace romsteward {
@@ -134,11 +133,6 @@ std::size_t RecoverInterruptedExtractions(Host& host, RegistryStore& store) {
     }
   }
   return deleted;
-}
-
-void RecoverInterruptedLaunches(Host& host, RegistryStore& store) {
-  RecoverInterruptedPatchRuns(host, store);
-  RecoverInterruptedExtractions(host, store);
 }
 
 }  // namespace romsteward

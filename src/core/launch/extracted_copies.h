@@ -56,8 +56,4 @@ inline constexpr std::string_view kTempDeleteError = "Error deleting from tempor
 /// Returns how many copies were deleted.
 std::size_t RecoverInterruptedExtractions(Host& host, RegistryStore& store);
 
-/// What either program does first: puts back the images a killed run left patched and
-/// deletes the copies it left extracted.
-void RecoverInterruptedLaunches(Host& host, RegistryStore& store);
-
 }  // namespace romsteward
