@@ -4,20 +4,12 @@
 #include "core/app/main_window_model.h"
 #include "core/launch/emulator_profiles.h"
 #include "support/place_fixture.h"
+#include "support/recording_starter.h"
 
 namespace romsteward {
 namespace {
 
 using ::testing::ElementsAre;
-
-class RecordingStarter : public DetachedStarter {
-public:
-  Status StartDetached(const ProcessSpec& spec) override {
-    started.push_back(spec);
-    return {};
-  }
-  std::vector<ProcessSpec> started;
-};
 
 class LaunchControlsTest : public test::PlaceTest {
 protected:
@@ -59,7 +51,7 @@ TEST_F(LaunchControlsTest, OptionRulesAndForcedCountries) {
 }
 
 TEST_F(LaunchControlsTest, EnterStartsTheExtraCommandLineAndEmptiesIt) {
-  RecordingStarter starter;
+  test::RecordingStarter starter;
   model.SetExtraCommandLine("  xterm -e  top ");
   model.ExecuteExtraCommandLine(starter);
   ASSERT_EQ(starter.started.size(), 1u);

@@ -11,6 +11,7 @@
 #include "core/patch/dynamic_patches.h"
 #include "support/cart_images.h"
 #include "support/place_fixture.h"
+#include "support/recording_starter.h"
 
 namespace romsteward {
 namespace {
@@ -18,16 +19,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-
-// Keeps what it was asked to start instead of starting it.
-class RecordingStarter : public DetachedStarter {
-public:
-  Status StartDetached(const ProcessSpec& spec) override {
-    started.push_back(spec);
-    return {};
-  }
-  std::vector<ProcessSpec> started;
-};
 
 class LaunchCommandTest : public test::PlaceTest {
 protected:
@@ -170,7 +161,7 @@ TEST_F(LaunchCommandTest, EachCheckStopsTheLaunchWithItsMessage) {
 
 TEST_F(LaunchCommandTest, AFileThatIsNoImageGoesToTheDefaultProgram) {
   const std::string notes = Put(roms, "notes.txt", "text");
-  RecordingStarter starter;
+  test::RecordingStarter starter;
   LaunchCommand launch(host, settings, starter);
   EXPECT_FALSE(launch.Begin(Request("notes.txt")));
   ASSERT_EQ(starter.started.size(), 1u);
