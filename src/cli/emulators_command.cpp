@@ -24,7 +24,8 @@ struct EmulatorsOptions {
 const EmulatorProfile* ProfileOrReport(ToolContext& context, const std::string& name) {
   if (const EmulatorProfile* profile = FindEmulatorProfile(name)) return profile;
   std::vector<std::string> names;
-  for (const auto& profile : EmulatorProfiles()) names.emplace_back(profile.name);
+  for (const auto& profile : EmulatorProfiles())
+    names.emplace_back(profile.name);
   context.err << fmt::format("No emulator is called \"{}\". The emulators: {}\n",
                              EscapeForDisplay(name), fmt::join(names, ", "));
   context.status = kExitError;
@@ -52,8 +53,8 @@ void RunList(const EmulatorsOptions& options, ToolContext& context) {
                      {"runner", runner}});
       continue;
     }
-    context.out << fmt::format("{:<9} tab {}  {}{}{}\n", profile.name, static_cast<int>(profile.tab),
-                               path.empty() ? "(not located)" : path,
+    context.out << fmt::format("{:<9} tab {}  {}{}{}\n", profile.name,
+                               static_cast<int>(profile.tab), path.empty() ? "(not located)" : path,
                                path.empty() || found ? "" : " (missing)",
                                runner.empty() ? "" : "  runner: " + runner);
   }
@@ -92,10 +93,10 @@ void RunRunner(const EmulatorsOptions& options, ToolContext& context) {
     context.status = kExitError;
     return;
   }
-  const Status saved = options.value.empty()
-                           ? settings->SaveSetting(kSectionSettings, profile->runnerKey, "")
-                           : settings->SaveSetting(kSectionSettings, profile->runnerKey,
-                                                   options.value);
+  const Status saved =
+      options.value.empty()
+          ? settings->SaveSetting(kSectionSettings, profile->runnerKey, "")
+          : settings->SaveSetting(kSectionSettings, profile->runnerKey, options.value);
   if (!saved) {
     context.err << saved.error().message << '\n';
     context.status = kExitError;

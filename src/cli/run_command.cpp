@@ -47,7 +47,8 @@ std::optional<std::size_t> EntryIndex(const std::vector<std::string>& entries,
 
 void PrintCommand(std::ostream& out, const EmulatorCommand& command) {
   out << "program " << command.process.program << '\n';
-  for (const auto& argument : command.process.arguments) out << "argument " << argument << '\n';
+  for (const auto& argument : command.process.arguments)
+    out << "argument " << argument << '\n';
   out << "directory " << PathToUtf8(command.process.workingDirectory) << '\n';
   for (const auto& [name, value] : command.process.environment)
     out << "environment " << name << '=' << value << '\n';
@@ -62,7 +63,8 @@ void Run(const RunOptions& options, ToolContext& context) {
     profile = FindEmulatorProfile(*options.emulator);
     if (!profile) {
       std::string names;
-      for (const auto& known : EmulatorProfiles()) names += (names.empty() ? "" : ", ") + std::string(known.name);
+      for (const auto& known : EmulatorProfiles())
+        names += (names.empty() ? "" : ", ") + std::string(known.name);
       context.err << fmt::format("No emulator is called \"{}\". The emulators: {}\n",
                                  EscapeForDisplay(*options.emulator), names);
       context.status = kExitError;
@@ -114,7 +116,8 @@ void AddRunCommand(CLI::App& app, ToolContext& context) {
   command->add_option("--emulator", options->emulator,
                       "GenEm, GenEmnew, KGen, Genecyst, BlastEm or Mednafen; default: the "
                       "preferred one");
-  command->add_option("--country", options->country, "The country to run it as (USA, Europe, Japan)");
+  command->add_option("--country", options->country,
+                      "The country to run it as (USA, Europe, Japan)");
   command->add_option("--extra", options->extra, "The additional command line");
   command->add_flag("--dry-run", options->dryRun,
                     "Print the program, each argument, the working directory and gen.ini "

@@ -1,7 +1,7 @@
 #include "core/app/launch_command.h"
 
-#include <cstdio>
 #include <csignal>
+#include <cstdio>
 #include <cstring>
 
 #include "core/cart/detect.h"
@@ -40,7 +40,8 @@ std::vector<std::string> SplitSetMembers(const std::filesystem::path& archive,
   for (int volume = 2;; ++volume) {
     const std::string wanted = first.substr(0, dot + 1) + std::to_string(volume);
     bool found = false;
-    for (const auto& name : listing->names) found = found || EqualsIgnoreCase(name, wanted);
+    for (const auto& name : listing->names)
+      found = found || EqualsIgnoreCase(name, wanted);
     if (!found) break;
     members.push_back(wanted);
   }
@@ -120,9 +121,9 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
       if (dryRun) {
         m_romPath = *folder / Utf8ToPath(request.entryText);
       } else {
-        auto copies = ExtractedCopies::Extract(
-            m_host, m_settings.Store(), archive,
-            SplitSetMembers(archive, request.entryText), *folder);
+        auto copies =
+            ExtractedCopies::Extract(m_host, m_settings.Store(), archive,
+                                     SplitSetMembers(archive, request.entryText), *folder);
         if (!copies.Ok()) return std::nullopt;
         m_romPath = copies.Files().front();
         m_copies = std::make_unique<ExtractedCopies>(std::move(copies));
@@ -131,9 +132,8 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
       m_romPath = Utf8ToPath(JoinDirName(request.diret, request.entryText));
     }
 
-    const Layout layout = dryRun && request.zipListing
-                              ? DetectRomFormat(nullptr, request.entryText)
-                              : DetectAt(m_romPath);
+    const Layout layout = dryRun && request.zipListing ? DetectRomFormat(nullptr, request.entryText)
+                                                       : DetectAt(m_romPath);
     const bool split = IsSplitVolume(layout);
     const bool classicSplitTab = tab == static_cast<int>(EmulatorTab::KGen) ||
                                  tab == static_cast<int>(EmulatorTab::Genecyst);
@@ -152,8 +152,8 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
       return critical(kRunFirstVolume);
 
     if (!dryRun) {
-      if (Status saved = SaveOptionsBeforeLaunch(m_settings, request.general, options,
-                                                 request.entryText);
+      if (Status saved =
+              SaveOptionsBeforeLaunch(m_settings, request.general, options, request.entryText);
           !saved) {
         critical(saved.error().message);
       }

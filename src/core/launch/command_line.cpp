@@ -53,10 +53,10 @@ void AddBlastEmArguments(const CompositionInput& input, std::vector<std::string>
 // launch relies on is passed every time.
 void AddMednafenArguments(const CompositionInput& input, std::vector<std::string>& arguments) {
   const std::string_view region = RegionOf(input.country);
-  const std::string regionValue = region.empty()       ? "game"
-                                  : region == "USA"    ? "overseas_ntsc"
-                                  : region == "Japan"  ? "domestic_ntsc"
-                                                       : "overseas_pal";
+  const std::string regionValue = region.empty()      ? "game"
+                                  : region == "USA"   ? "overseas_ntsc"
+                                  : region == "Japan" ? "domestic_ntsc"
+                                                      : "overseas_pal";
   const auto flag = [](bool on) { return std::string(on ? "1" : "0"); };
   arguments.insert(arguments.end(),
                    {"-md.region", regionValue, "-sound", flag(!input.options.mednafenNoSound),
@@ -74,7 +74,8 @@ std::string ReadWholeFile(const std::filesystem::path& path) {
 
 std::string JoinForDisplay(const std::vector<std::string>& words) {
   std::string text;
-  for (const auto& word : words) text += (text.empty() ? "" : " ") + word;
+  for (const auto& word : words)
+    text += (text.empty() ? "" : " ") + word;
   return text;
 }
 
@@ -124,10 +125,9 @@ std::string GenecystOptionText(const EmulatorOptions& options, std::string_view 
   }
   if (options.cystExclusive) line("-exclusive");
   const int rate = options.cystSoundRate;
-  line("-sndrate " +
-       std::string(rate >= 0 && rate < static_cast<int>(std::size(kCystSoundRates))
-                       ? kCystSoundRates[rate]
-                       : kCystSoundRates[2]));
+  line("-sndrate " + std::string(rate >= 0 && rate < static_cast<int>(std::size(kCystSoundRates))
+                                     ? kCystSoundRates[rate]
+                                     : kCystSoundRates[2]));
   return text;
 }
 
@@ -172,8 +172,8 @@ std::vector<std::string> SplitAtBlanks(std::string_view text) {
   std::vector<std::string> words;
   std::size_t start = std::string_view::npos;
   for (std::size_t i = 0; i <= text.size(); ++i) {
-    const bool blank = i == text.size() || text[i] == ' ' || text[i] == '\t' ||
-                       text[i] == '\r' || text[i] == '\n';
+    const bool blank =
+        i == text.size() || text[i] == ' ' || text[i] == '\t' || text[i] == '\r' || text[i] == '\n';
     if (blank && start != std::string_view::npos) {
       words.emplace_back(text.substr(start, i - start));
       start = std::string_view::npos;
@@ -197,7 +197,8 @@ EmulatorCommand ComposeEmulatorCommand(const CompositionInput& input) {
       AddMednafenArguments(input, arguments);
     }
     if (!calibrate) arguments.push_back(input.romPath);
-    for (auto& word : SplitAtBlanks(input.extra)) arguments.push_back(std::move(word));
+    for (auto& word : SplitAtBlanks(input.extra))
+      arguments.push_back(std::move(word));
     command.argumentText = JoinForDisplay(arguments);
   } else if (calibrate) {
     command.argumentText = " -calib";
@@ -223,7 +224,8 @@ EmulatorCommand ComposeEmulatorCommand(const CompositionInput& input) {
     // The ROM path is one argument whatever it holds; the switches follow it.
     arguments.push_back(input.romPath);
     rest.remove_prefix(input.romPath.size());
-    for (auto& word : SplitAtBlanks(rest)) arguments.push_back(std::move(word));
+    for (auto& word : SplitAtBlanks(rest))
+      arguments.push_back(std::move(word));
   }
 
   command.process.workingDirectory = Utf8ToPath(input.emulatorPath).parent_path();

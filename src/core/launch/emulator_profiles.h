@@ -18,14 +18,14 @@ enum class EmulatorTab : int { GenEm = 0, KGen = 1, Genecyst = 2, BlastEm = 3, M
 
 /// One emulator the launcher knows: where its path is kept and how it is located.
 struct EmulatorProfile {
-  std::string_view name;          ///< "GenEm", also the name `--emulator` takes (any case)
-  EmulatorTab tab;                ///< the tab that runs it (GenEmnew: the GenEm tab)
-  std::string_view pathKey;       ///< section `Settings`
-  std::string_view runnerKey;     ///< section `Settings`: the runner command, empty for none
-  std::string_view locateCaption; ///< "Search GenEm..."
-  std::string_view dialogTitle;   ///< "Locate GenEm.exe"
-  FileFilter filter;              ///< "Executables|genem.exe"
-  bool classic;                   ///< one of the four DOS-era emulators
+  std::string_view name;           ///< "GenEm", also the name `--emulator` takes (any case)
+  EmulatorTab tab;                 ///< the tab that runs it (GenEmnew: the GenEm tab)
+  std::string_view pathKey;        ///< section `Settings`
+  std::string_view runnerKey;      ///< section `Settings`: the runner command, empty for none
+  std::string_view locateCaption;  ///< "Search GenEm..."
+  std::string_view dialogTitle;    ///< "Locate GenEm.exe"
+  FileFilter filter;               ///< "Executables|genem.exe"
+  bool classic;                    ///< one of the four DOS-era emulators
 };
 
 /// GenEm, GenEmnew, Genecyst, KGen, then BlastEm and Mednafen.

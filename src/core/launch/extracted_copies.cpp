@@ -20,7 +20,8 @@ std::string RunKeyPath() {
 // member name could give it, as such names are refused before extraction.
 std::string EncodeFiles(const std::vector<std::filesystem::path>& files) {
   std::string data;
-  for (const auto& file : files) data += PathToUtf8(file) + "\n";
+  for (const auto& file : files)
+    data += PathToUtf8(file) + "\n";
   return data;
 }
 
@@ -85,7 +86,8 @@ ExtractedCopies ExtractedCopies::Extract(Host& host, RegistryStore& store,
   auto extracted = ExtractZipMembers(archive, members, folder);
   if (!extracted) {
     host.ShowMessage(extracted.error().message, MessageIcon::Critical, kAppTitle);
-    for (const auto& file : planned) RemoveIfThere(file);
+    for (const auto& file : planned)
+      RemoveIfThere(file);
     copies.m_members.clear();
     if (store.DeleteValue(RunKeyPath(), recordName)) copies.m_recordName.clear();
     return copies;

@@ -15,7 +15,8 @@ constexpr std::string_view kPlayTime = ".playtime";
 
 std::int64_t StoredSeconds(const AppSettings& settings, std::string_view entry,
                            std::string_view suffix) {
-  const std::string text = settings.GetSetting(kSectionHistory, std::string(entry) + std::string(suffix));
+  const std::string text =
+      settings.GetSetting(kSectionHistory, std::string(entry) + std::string(suffix));
   return IsNumeric(text) ? LeadingNumber(text) : 0;
 }
 
@@ -43,7 +44,8 @@ std::vector<PlayRecord> AllPlayHistory(const AppSettings& settings) {
   if (!values) return records;
   for (const auto& [name, data] : *values) {
     if (!name.ends_with(kLastRun)) continue;
-    if (auto record = PlayHistory(settings, std::string_view(name).substr(0, name.size() - kLastRun.size())))
+    if (auto record =
+            PlayHistory(settings, std::string_view(name).substr(0, name.size() - kLastRun.size())))
       records.push_back(std::move(*record));
   }
   return records;

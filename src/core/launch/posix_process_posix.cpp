@@ -36,13 +36,15 @@ std::vector<std::string> Environment(const ProcessSpec& spec) {
     values[name] = value;
   }
   std::vector<std::string> result;
-  for (const auto& name : order) result.push_back(name + "=" + values[name]);
+  for (const auto& name : order)
+    result.push_back(name + "=" + values[name]);
   return result;
 }
 
 std::vector<char*> Pointers(std::vector<std::string>& texts) {
   std::vector<char*> pointers;
-  for (auto& text : texts) pointers.push_back(text.data());
+  for (auto& text : texts)
+    pointers.push_back(text.data());
   pointers.push_back(nullptr);
   return pointers;
 }
@@ -55,7 +57,8 @@ Error SpawnError(const ProcessSpec& spec, int code) {
 // entered by the child alone (posix_spawn_file_actions_addchdir_np, glibc 2.29).
 Result<pid_t> Spawn(const ProcessSpec& spec, int stderrWrite, int stderrRead) {
   std::error_code error;
-  if (!spec.workingDirectory.empty() && !std::filesystem::is_directory(spec.workingDirectory, error))
+  if (!spec.workingDirectory.empty() &&
+      !std::filesystem::is_directory(spec.workingDirectory, error))
     return Error{"Could not start " + spec.program + ": the folder " +
                      PathToUtf8(spec.workingDirectory) + " does not exist",
                  ENOENT};

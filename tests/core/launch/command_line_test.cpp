@@ -98,7 +98,8 @@ TEST_F(ComposeTest, GenecystTakesItsOptionsAndTheExtraLineFromGenIni) {
             (std::vector<std::string>{"-run", "/roms/A (b)  c.bin", "-hidegui"}));
   EXPECT_EQ(command.genIniPath, Dir() / "emu" / "gen.ini");
   ASSERT_TRUE(command.genIniText);
-  EXPECT_TRUE(command.genIniText->ends_with("\r\n-version Japan\r\n-sndrate 44100\r\n -fast\r\n-res 1"));
+  EXPECT_TRUE(
+      command.genIniText->ends_with("\r\n-version Japan\r\n-sndrate 44100\r\n -fast\r\n-res 1"));
 }
 
 TEST_F(ComposeTest, DebianEmulatorsGetTheirOwnSwitches) {
@@ -118,10 +119,10 @@ TEST_F(ComposeTest, DebianEmulatorsGetTheirOwnSwitches) {
   input = Input("Mednafen");
   input.country = "Brazil";
   input.options.mednafenNoSound = input.options.mednafenFrameSkip = true;
-  EXPECT_EQ(ComposeEmulatorCommand(input).process.arguments,
-            (std::vector<std::string>{"-md.region", "overseas_pal", "-sound", "0",
-                                      "-video.frameskip", "1", "-video.fs", "0",
-                                      "/roms/A (b)  c.bin"}));
+  EXPECT_EQ(
+      ComposeEmulatorCommand(input).process.arguments,
+      (std::vector<std::string>{"-md.region", "overseas_pal", "-sound", "0", "-video.frameskip",
+                                "1", "-video.fs", "0", "/roms/A (b)  c.bin"}));
   input.country = "";
   EXPECT_EQ(ComposeEmulatorCommand(input).process.arguments[1], "game");
 }

@@ -31,14 +31,16 @@ protected:
     // it was given and what lay beside them, then speaks on stderr and exits as told.
     emulator = Put(MakeDir("emu"), "fake-emulator",
                    "#!/bin/sh\n"
-                   "log='" + PathToUtf8(log) + "'\n"
-                   "pwd > \"$log/cwd\"\n"
-                   ": > \"$log/args\"\n"
-                   "for a in \"$@\"; do printf '%s\\n' \"$a\" >> \"$log/args\";\n"
-                   "  if [ -f \"$a\" ]; then cat \"$a\" > \"$log/image\"; "
-                   "ls \"$(dirname \"$a\")\" > \"$log/beside\"; fi; done\n"
-                   "echo 'first complaint' >&2\necho 'last complaint' >&2\n"
-                   "exit $(cat \"$log/exit\" 2>/dev/null || echo 0)\n");
+                   "log='" +
+                       PathToUtf8(log) +
+                       "'\n"
+                       "pwd > \"$log/cwd\"\n"
+                       ": > \"$log/args\"\n"
+                       "for a in \"$@\"; do printf '%s\\n' \"$a\" >> \"$log/args\";\n"
+                       "  if [ -f \"$a\" ]; then cat \"$a\" > \"$log/image\"; "
+                       "ls \"$(dirname \"$a\")\" > \"$log/beside\"; fi; done\n"
+                       "echo 'first complaint' >&2\necho 'last complaint' >&2\n"
+                       "exit $(cat \"$log/exit\" 2>/dev/null || echo 0)\n");
     std::filesystem::permissions(emulator, std::filesystem::perms::owner_all);
     for (std::string_view key : {"Genem", "KGen", "Genecyst"})
       EXPECT_TRUE(settings.SaveSetting(kSectionSettings, key, emulator));
@@ -141,8 +143,9 @@ TEST_F(LaunchCommandTest, EachCheckStopsTheLaunchWithItsMessage) {
       {Request("s.1", 3), "You can only run splitted ROMs with KGen or Genecyst"},
       {Request("q.md", 1), "You can only run MDs with GenEm"},
       {Request("s.2", 1), "You need to run a splitted rom by its first volume!"},
-      {badTab, "I don't know how you made appear a thirth emulator tab, but you did! Contact "
-               "the author!"},
+      {badTab,
+       "I don't know how you made appear a thirth emulator tab, but you did! Contact "
+       "the author!"},
   };
   for (const auto& [request, message] : cases) {
     test::ScriptedHost fresh;

@@ -91,8 +91,8 @@ protected:
 
     CartridgeSpec spec;
     spec.backupRam = true;
-    const std::string zip = Put(MakeDir("zips"), "demo.zip",
-                                Zip({{"Smoke Test (U).bin", BuildCartridgeImage(spec)}}));
+    const std::string zip =
+        Put(MakeDir("zips"), "demo.zip", Zip({{"Smoke Test (U).bin", BuildCartridgeImage(spec)}}));
     const std::string temp = MakeDir("temp");
     ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", temp));
 
