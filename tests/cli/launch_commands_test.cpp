@@ -40,6 +40,10 @@ TEST_F(LaunchCommandsTest, DryRunPrintsTheCommandAndGenIniWithoutTouchingAnythin
                          "Genecyst users who keep it alive\r\n-version Japan\r\n-sndrate "
                          "44100\r\n \n");
   EXPECT_FALSE(std::filesystem::exists(PathOf("emu/gen.ini")));
+  // A file that is no image would go to the desktop's default program.
+  const std::string notes = PathToUtf8(Put("roms/notes.txt", "text"));
+  EXPECT_THAT(Run({"run", "--dry-run", notes}).out,
+              ::testing::StartsWith("program xdg-open\nargument " + notes + "\n"));
 
   // The Debian emulators take no runner; a misnamed executable is refused.
   EXPECT_EQ(Run({"emulators", "runner", "BlastEm", "wine"}).status, 2);

@@ -109,7 +109,8 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
   const EmulatorOptions& options = request.options;
   const int tab = options.preferredEmulator;
   const EmulatorProfile* profile = ProfileForTab(tab, options.useGenNew);
-  m_entryText = request.entryText;
+  // A calibration plays no cartridge: it has no history.
+  m_entryText = request.calibrate ? std::string() : request.entryText;
 
   if (!request.calibrate) {
     if (request.entryText.empty()) return critical(kSelectARom);
@@ -142,8 +143,8 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
       return critical(kMdNeedsGenEm);
 
     if (layout == Layout::NoRom) {
-      if (dryRun) return std::nullopt;
       const ProcessSpec open{std::string(kOpenWithDefaultProgram), {PathToUtf8(m_romPath)}, {}, {}};
+      if (dryRun) return EmulatorCommand{open, PathToUtf8(m_romPath), {}, std::nullopt};
       if (!m_starter.StartDetached(open)) critical(kAssociatedProgramError);
       return std::nullopt;
     }
@@ -188,7 +189,6 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
 
   EmulatorCommand command = ComposeEmulatorCommand(input);
   if (!dryRun && command.genIniText) {
-    std::filesystem::remove(command.genIniPath, error);
     if (Status written = WriteFileAtomically(command.genIniPath, *command.genIniText); !written)
       return critical(written.error().message);
   }

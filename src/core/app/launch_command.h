@@ -76,9 +76,9 @@ public:
   std::optional<EmulatorCommand> Begin(const LaunchRequest& request);
 
   /// What Begin would start, with nothing prepared or written: no extraction (the path is
-  /// where the copy would go), no patch, no `gen.ini`, no saved options, no question. A check
-  /// that fails is told through the Host as in Begin; an emulator not located yet is shown
-  /// by its executable's name.
+  /// where the copy would go), no patch, no `gen.ini`, no saved options, no question; for a
+  /// file that is no image, the default program's start. A check that fails is told through
+  /// the Host as in Begin; an emulator not located yet is shown by its executable's name.
   std::optional<EmulatorCommand> DryRun(const LaunchRequest& request);
 
   /// After the emulator ended: "Error running emulator!" (with its exit status and the last
