@@ -24,6 +24,7 @@ TEST_F(LaunchControlsTest, OptionRulesAndForcedCountries) {
   ASSERT_TRUE(model.SetDiret(dir));
   model.Select(0);
   const std::string headerCountry = model.Country();
+  EXPECT_FALSE(model.Controls()["CmdCalib"].enabled);  // the joypad is off by default
 
   model.SetFakeZ80(true);
   EXPECT_FALSE(model.Options().enableZ80);
