@@ -8,8 +8,9 @@ TOOL := $(BUILD_DIR)/src/cli/romsteward-tool
 # Debian packages the project builds and tests with.
 DEB_PACKAGES := cmake ninja-build g++ pkg-config \
   libcli11-dev libfmt-dev nlohmann-json3-dev libsqlite3-dev libarchive-dev \
-  libgtest-dev libgmock-dev libbenchmark-dev \
-  blastem mednafen xvfb xauth
+  libgtest-dev libgmock-dev libbenchmark-dev
+# The emulators and the virtual display the launch smoke tests run.
+DEB_PACKAGES += blastem mednafen xvfb xauth
 
 # Warnings are errors wherever CI runs.
 CMAKE_FLAGS := $(if $(CI),-DROMSTEWARD_WERROR=ON,)
