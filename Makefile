@@ -10,6 +10,8 @@ DEB_PACKAGES := cmake ninja-build g++ pkg-config \
   libcli11-dev libfmt-dev nlohmann-json3-dev libsqlite3-dev libarchive-dev \
   libgtest-dev libgmock-dev libbenchmark-dev
 DEB_PACKAGES += libpugixml-dev zlib1g-dev libssl-dev
+# The emulators and the virtual display the launch smoke tests run.
+DEB_PACKAGES += blastem mednafen xvfb xauth
 
 # Warnings are errors wherever CI runs.
 CMAKE_FLAGS := $(if $(CI),-DROMSTEWARD_WERROR=ON,)

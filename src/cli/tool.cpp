@@ -8,6 +8,7 @@
 
 #include "cli/terminal_host.h"
 #include "core/common/strings.h"
+#include "core/app/launch_command.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/registry_store.h"
 
@@ -61,6 +62,8 @@ Result<AppSettings*> ToolContext::Settings() {
   if (!store) return store.error();
   m_store = std::move(store).value();
   m_settings = std::make_unique<AppSettings>(*m_store);
+  // A launch killed before its clean-up is finished by the next start.
+  RecoverInterruptedLaunches(host(), *m_store);
   return m_settings.get();
 }
 
@@ -101,6 +104,9 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddRestoreChecksumCommand(app, context);
   AddRepairCommand(app, context);
   AddIdentifyCommand(app, context);
+  AddRunCommand(app, context);
+  AddEmulatorsCommand(app, context);
+  AddHistoryCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

@@ -100,5 +100,8 @@ void AddChecksumCommand(CLI::App& app, ToolContext& context);
 void AddRestoreChecksumCommand(CLI::App& app, ToolContext& context);
 void AddRepairCommand(CLI::App& app, ToolContext& context);
 void AddIdentifyCommand(CLI::App& app, ToolContext& context);
+void AddRunCommand(CLI::App& app, ToolContext& context);
+void AddEmulatorsCommand(CLI::App& app, ToolContext& context);
+void AddHistoryCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli

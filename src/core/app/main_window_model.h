@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/app/launch_command.h"
 #include "core/app/window_controls.h"
 #include "core/library/rom_scan.h"
 #include "core/library/rom_sort.h"
@@ -120,6 +121,31 @@ public:
   const EmulatorOptions& Options() const { return m_options; }
   EmulatorOptions& Options() { return m_options; }
 
+  // Launching (the launch itself is a LaunchCommand: see docs/launching.md).
+  /// What "Run this game!" (or a double click) launches: the place, the selection, the
+  /// option controls, the country, the extra command line and the general settings.
+  LaunchRequest LaunchRequestForSelection() const;
+  /// "Calibrate Joystick": the same request, with " -calib" alone.
+  LaunchRequest CalibrationRequest() const;
+  /// After a launch's Complete: the saved-games list is built again when the run succeeded.
+  void LaunchFinished(const LaunchCommand& launch);
+  /// The country chosen in "Country:"; one of cmbCartLang's entries (its first by default).
+  std::string Country() const;
+  void SetCountry(std::string_view country);
+  /// "Force another language": "Country:" holds exactly USA, Europe, Japan.
+  void ForceAnotherLanguage();
+  /// The rules between options: "Enable Z80" and "Fake Z80" clear each other; "Calibrate
+  /// Joystick" is enabled exactly while "Disable &Joypad" is unchecked.
+  void SetEnableZ80(bool checked);
+  void SetFakeZ80(bool checked);
+  void SetDisableJoypad(bool checked);
+  /// "Additional Comand-line:" (`txtCmd`).
+  const std::string& ExtraCommandLine() const { return m_extraCommandLine; }
+  void SetExtraCommandLine(std::string_view text) { m_extraCommandLine = text; }
+  /// ENTER in the field: its text starts as a program of its own, not waited for, and the
+  /// field is emptied. A failure to start is shown.
+  void ExecuteExtraCommandLine(DetachedStarter& starter);
+
   /// The delete button beside "Saved Games:": deletes the file of entry `index` of cmbSave
   /// through the file operations and rebuilds the list. A heading is refused with "You can't
   /// Delete a file type".
@@ -151,6 +177,8 @@ private:
   WindowTexts m_texts;
   WindowControls m_controls;
   EmulatorOptions m_options;
+  std::string m_country;
+  std::string m_extraCommandLine;
   std::unique_ptr<FileOperations> m_ownOperations;
   FileOperations& m_operations;
   // The chosen DAT, read again only when the setting names another file.

@@ -133,6 +133,7 @@ void MainWindowModel::ShowRomInfo() {
   }
 
   LoadOptionsForSelection(m_settings, name, m_controls["chkIPS"].enabled, m_options);
+  m_controls["CmdCalib"].enabled = !m_options.disableJoypad;
 
   if (!zip) {
     m_texts.txtarquivo = readOnly ? kReadOnlyArchive : kNormalArchive;

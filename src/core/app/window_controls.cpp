@@ -69,6 +69,8 @@ constexpr InitialControl kInitialControls[] = {
     {"cmdDeletaSave", ""},
     {"cmbSave", ""},
     {"cmbCartLang", ""},
+    {"CmdCalib", "Calibrate Joystick"},
+    {"CmdForce", "Force another language"},
 };
 
 }  // namespace

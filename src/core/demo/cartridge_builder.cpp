@@ -38,6 +38,11 @@ std::string BuildCartridgeImage(const CartridgeSpec& spec) {
 
   Put(image, 0x000, NumberToBytes(0x00FFFE00, 4));  // initial stack pointer
   Put(image, 0x004, NumberToBytes(0x00000200, 4));  // reset vector
+  // A program emulators keep running: "bra.s *" at the reset address, every exception and
+  // interrupt vector at an "rte" just after it. Random code would freeze them at once.
+  for (std::size_t vector = 0x008; vector < 0x100; vector += 4)
+    Put(image, vector, NumberToBytes(0x00000202, 4));
+  Put(image, 0x200, std::string("\x60\xFE\x4E\x73", 4));
   Put(image, 0x100, std::string(0x100, ' '));
   Put(image, f::kSystem.offset, "SEGA MEGA DRIVE ");
   PutText(image, f::kMakerDate, spec.makerDate);

@@ -31,7 +31,7 @@ struct Field {
 };
 
 // The option set in saving order.
-constexpr std::array<Field, 22> kFields = {{
+constexpr std::array<Field, 27> kFields = {{
     {"Joy", Control::Check, &EmulatorOptions::disableJoypad},
     {"snd", Control::Check, &EmulatorOptions::disableSound},
     {"z80", Control::Check, &EmulatorOptions::enableZ80},
@@ -54,6 +54,11 @@ constexpr std::array<Field, 22> kFields = {{
     {"cystsync", Control::Check, &EmulatorOptions::cystWaitVsync, WhenMissing::Becomes, 0},
     {"prefemu", Control::Tab, &EmulatorOptions::preferredEmulator},
     {"ativapatch", Control::Check, &EmulatorOptions::activateDynamicPatch},
+    {"bemfull", Control::Check, &EmulatorOptions::blastFullscreen, WhenMissing::Becomes, 0},
+    {"bemsnd", Control::Check, &EmulatorOptions::blastNoSound, WhenMissing::Becomes, 0},
+    {"mdnfull", Control::Check, &EmulatorOptions::mednafenFullscreen, WhenMissing::Becomes, 0},
+    {"mdnsnd", Control::Check, &EmulatorOptions::mednafenNoSound, WhenMissing::Becomes, 0},
+    {"mdnskip", Control::Check, &EmulatorOptions::mednafenFrameSkip, WhenMissing::Becomes, 0},
 }};
 
 constexpr std::string_view kPatchKey = "ativapatch";

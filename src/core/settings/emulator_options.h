@@ -16,8 +16,9 @@ inline constexpr int kFrameSkipMin = 1;
 inline constexpr int kFrameSkipMax = 10;
 /// `cmbCystSnd` items, by index.
 inline constexpr std::string_view kCystSoundRates[] = {"11025", "22050", "44100"};
-/// Tabs of the emulator tab strip (`prefemu` is the selected one's index).
-inline constexpr int kEmulatorTabCount = 3;
+/// Tabs of the emulator tab strip (`prefemu` is the selected one's index): the three classic
+/// tabs, then BlastEm and Mednafen.
+inline constexpr int kEmulatorTabCount = 5;
 
 /// The emulator option set: the main window's option controls, the live copy of the
 /// selected cartridge's options. Members are in saving order; the comment names the stored
@@ -45,6 +46,12 @@ struct EmulatorOptions {
   bool cystWaitVsync = false;         ///< cystsync (`cystvsync`)
   int preferredEmulator = 0;          ///< prefemu (tab index)
   bool activateDynamicPatch = false;  ///< ativapatch (`chkIPS`)
+  // The Debian emulators' own options, after the classic keys; a missing one reads as off.
+  bool blastFullscreen = false;     ///< bemfull
+  bool blastNoSound = false;        ///< bemsnd
+  bool mednafenFullscreen = false;  ///< mdnfull
+  bool mednafenNoSound = false;     ///< mdnsnd
+  bool mednafenFrameSkip = false;   ///< mdnskip
 
   bool operator==(const EmulatorOptions&) const = default;
 };

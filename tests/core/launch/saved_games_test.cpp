@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "core/launch/saved_games.h"
+#include "support/scoped_env.h"
 #include "support/temp_dir.h"
 
 namespace romsteward {
@@ -65,6 +66,34 @@ TEST_F(SavedGamesTest, EntriesResolveToTheirFilesAndHeadingsAreRefused) {
   EXPECT_EQ(*SavedGameFile(entries, 2, m_rom, m_kgen), m_dir / "roms" / "Sunset Rider.sav");
   EXPECT_FALSE(SavedGameFile(entries, 3, m_rom, m_kgen).ok());
   EXPECT_EQ(*SavedGameFile(entries, 4, m_rom, m_kgen), m_dir / "kgen" / "Sunse.kss");
+}
+
+TEST_F(SavedGamesTest, DebianEmulatorFilesFollowTheClassicOnes) {
+  test::ScopedEnv home("HOME", (m_dir / "home").string());
+  test::ScopedEnv mednafen("MEDNAFEN_HOME", (m_dir / "mdn").string());
+  for (const char* dir : {"home/.local/share/blastem/Sunset Rider", "mdn/sav", "mdn/mcs"})
+    std::filesystem::create_directories(m_dir / dir);
+  Touch("roms/Sunset Rider.sav");
+  Touch("home/.local/share/blastem/Sunset Rider/save.sram");
+  Touch("home/.local/share/blastem/Sunset Rider/slot_1.state");
+  Touch("home/.local/share/blastem/Sunset Rider/quicksave.state");
+  const std::string hash = "0123456789abcdef0123456789ABCDEF";
+  Touch("mdn/sav/Sunset Rider." + hash + ".sav");
+  Touch("mdn/mcs/Sunset Rider." + hash + ".mc3");
+  Touch("mdn/mcs/Sunset Rider.mc0");                   // the older name, without the hash
+  Touch("mdn/mcs/Sunset Rider.notahash.mc1");          // not Mednafen's
+  Touch("mdn/mcs/Sunset Rider Two." + hash + ".mc0");  // another game
+  const auto entries = JogosSalvos(m_rom, m_kgen);
+  EXPECT_THAT(entries, ElementsAre("GenEm State", "BlastEm Battery Save", "BlastEm States:",
+                                   " - quicksave.state", " - slot_1.state",
+                                   "Mednafen Battery Save", "Mednafen States:",
+                                   " - Sunset Rider." + hash + ".mc3", " - Sunset Rider.mc0"));
+  EXPECT_EQ(SavedGameFile(entries, 4, m_rom, m_kgen).value(),
+            m_dir / "home/.local/share/blastem/Sunset Rider/slot_1.state");
+  EXPECT_EQ(SavedGameFile(entries, 5, m_rom, m_kgen).value(),
+            m_dir / "mdn/sav" / ("Sunset Rider." + hash + ".sav"));
+  EXPECT_EQ(SavedGameFile(entries, 8, m_rom, m_kgen).value(), m_dir / "mdn/mcs/Sunset Rider.mc0");
+  EXPECT_FALSE(SavedGameFile(entries, 6, m_rom, m_kgen));  // a heading
 }
 
 }  // namespace
