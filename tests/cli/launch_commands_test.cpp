@@ -77,10 +77,11 @@ TEST_F(LaunchCommandsTest, BadInputIsRefusedWithAReason) {
   run = Run({"run", PathToUtf8(PathOf("roms/missing.bin"))});
   EXPECT_EQ(run.status, 2);
   EXPECT_THAT(run.err, HasSubstr("is not in the list"));
-  // GenEm was never located: the launch says where to find it and starts nothing.
+  // The first tab's emulator, Genecyst, was never located: the launch says where to find it
+  // and starts nothing.
   run = Run({"run", image});
   EXPECT_EQ(run.status, 1);
-  EXPECT_THAT(run.err, HasSubstr("'Search GenEm' item"));
+  EXPECT_THAT(run.err, HasSubstr("'Search Genecyst' item"));
 }
 
 }  // namespace

@@ -12,9 +12,9 @@ namespace romsteward {
 
 class AppSettings;
 
-/// The tabs of the emulator tab strip, numbered as `prefemu` stores them. The three classic
-/// tabs keep their numbers; the Debian emulators follow.
-enum class EmulatorTab : int { GenEm = 0, KGen = 1, Genecyst = 2, BlastEm = 3, Mednafen = 4 };
+/// The tabs of the emulator tab strip, numbered as `prefemu` stores them: the classic strip
+/// reads Genecyst, GenEm, KGen; the Debian emulators follow.
+enum class EmulatorTab : int { Genecyst = 0, GenEm = 1, KGen = 2, BlastEm = 3, Mednafen = 4 };
 
 /// One emulator the launcher knows: where its path is kept and how it is located.
 struct EmulatorProfile {

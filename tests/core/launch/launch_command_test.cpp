@@ -46,11 +46,11 @@ protected:
       EXPECT_TRUE(settings.SaveSetting(kSectionSettings, key, emulator));
   }
 
-  LaunchRequest Request(std::string_view entry, int tab = 0) {
+  LaunchRequest Request(std::string_view entry, EmulatorTab tab = EmulatorTab::GenEm) {
     LaunchRequest request;
     request.diret = roms;
     request.entryText = entry;
-    request.options.preferredEmulator = tab;
+    request.options.preferredEmulator = static_cast<int>(tab);
     request.country = "USA";
     return request;
   }
@@ -97,7 +97,7 @@ TEST_F(LaunchCommandTest, ArchiveMembersAreExtractedForTheRunAndDeletedAfterIt) 
   const std::string zip = Put(MakeDir("zips"), "set.zip",
                               Zip({{"Set.1", first}, {"Set.2", "second"}, {"Other.bin", "x"}}));
   ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", temp));
-  LaunchRequest request = Request("Set.1", 1);  // KGen runs split sets
+  LaunchRequest request = Request("Set.1", EmulatorTab::KGen);  // KGen runs split sets
   request.diret = zip;
   request.zipListing = true;
 
@@ -131,7 +131,8 @@ TEST_F(LaunchCommandTest, EachCheckStopsTheLaunchWithItsMessage) {
   Put(roms, "q.md", ImageBytes(Layout::Md));
   LaunchRequest zip = Request("a.bin");
   zip.zipListing = true;
-  LaunchRequest badTab = Request("a.bin", 7);
+  LaunchRequest badTab = Request("a.bin");
+  badTab.options.preferredEmulator = 7;
   struct Case {
     LaunchRequest request;
     std::string message;
@@ -139,10 +140,10 @@ TEST_F(LaunchCommandTest, EachCheckStopsTheLaunchWithItsMessage) {
   const std::vector<Case> cases = {
       {Request(""), "Please, select a ROM"},
       {zip, "You must set a temporary folder (in 'Options' menu) in order to use ZIP files!"},
-      {Request("s.1", 0), "You can only run splitted ROMs with KGen or Genecyst"},
-      {Request("s.1", 3), "You can only run splitted ROMs with KGen or Genecyst"},
-      {Request("q.md", 1), "You can only run MDs with GenEm"},
-      {Request("s.2", 1), "You need to run a splitted rom by its first volume!"},
+      {Request("s.1", EmulatorTab::GenEm), "You can only run splitted ROMs with KGen or Genecyst"},
+      {Request("s.1", EmulatorTab::BlastEm), "You can only run splitted ROMs with KGen or Genecyst"},
+      {Request("q.md", EmulatorTab::KGen), "You can only run MDs with GenEm"},
+      {Request("s.2", EmulatorTab::KGen), "You need to run a splitted rom by its first volume!"},
       {badTab,
        "I don't know how you made appear a thirth emulator tab, but you did! Contact "
        "the author!"},
@@ -155,7 +156,7 @@ TEST_F(LaunchCommandTest, EachCheckStopsTheLaunchWithItsMessage) {
   }
   ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "KGen", PathToUtf8(PathOf("gone.exe"))));
   LaunchCommand launch(host, settings, runner);
-  EXPECT_FALSE(launch.Begin(Request("a.bin", 1)));
+  EXPECT_FALSE(launch.Begin(Request("a.bin", EmulatorTab::KGen)));
   EXPECT_THAT(host.Texts(), ElementsAre("The emulator couldn't be found. Click on 'Options' "
                                         "menu, 'Directory' submenu and 'Search KGen' item to "
                                         "find it."));
@@ -175,7 +176,7 @@ TEST_F(LaunchCommandTest, AFileThatIsNoImageGoesToTheDefaultProgram) {
 TEST_F(LaunchCommandTest, GenecystRewritesGenIniAndKeepsItsOwnLines) {
   Put(roms, "a.bin", ImageBytes(Layout::Bin));
   test::WriteTestFile(PathOf("emu") / "gen.ini", "-res 320 240\r\n-nofm\r\n");
-  LaunchRequest request = Request("a.bin", 2);
+  LaunchRequest request = Request("a.bin", EmulatorTab::Genecyst);
   request.extraCommandLine = "-x";
   ASSERT_TRUE(Run(request)) << host.Transcript();
   EXPECT_EQ(Logged("args"), "-run\n" + JoinDirName(roms, "a.bin") + "\n-hidegui\n");
