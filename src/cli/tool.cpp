@@ -27,6 +27,7 @@ std::istream& NoInput() {
 ToolContext::ToolContext(const ToolStreams& streams)
     : out(streams.out),
       err(streams.err),
+      launch(streams.launch),
       m_in(streams.in),
       m_interactive(streams.interactive),
       m_showProgress(streams.showProgress),
@@ -100,6 +101,7 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddChecksumCommand(app, context);
   AddRestoreChecksumCommand(app, context);
   AddRepairCommand(app, context);
+  AddFavoritesCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

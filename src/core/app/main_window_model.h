@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/app/launch_step.h"
 #include "core/app/window_controls.h"
 #include "core/library/rom_scan.h"
 #include "core/library/rom_sort.h"
@@ -18,14 +19,6 @@ namespace romsteward {
 class AppSettings;
 class FileOperations;
 class Host;
-class MainWindowModel;
-
-/// The launch command of the launch button (`CmdLaunch`): runs the selected entry with the
-/// option controls as they stand, and calls `done` once when the launch is over (at once
-/// when nothing started). The terminal tool may call it before returning; the desktop
-/// program calls it when the emulator has ended, so the window never blocks.
-using LaunchStep = std::function<void(MainWindowModel& model, std::function<void()> done)>;
-
 enum class TextColour { Normal, Red, Blue };
 
 /// The texts of the main window, named after the controls that show them.

@@ -92,6 +92,12 @@ FavoriteImage PrepareArchived(Host& host, const AppSettings& settings,
 
 }  // namespace
 
+bool FavoriteImageExists(std::string_view location) {
+  if (const auto archived = SplitArchivedLocation(location))
+    return HoldsMember(archived->archive, archived->member);
+  return !location.empty() && PathExists(location, PathKind::File);
+}
+
 FavoriteImage PrepareFavoriteImage(Host& host, const AppSettings& settings,
                                    std::string_view location) {
   if (location.empty()) return {};

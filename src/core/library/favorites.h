@@ -48,6 +48,9 @@ struct ArchivedLocation {
 };
 std::optional<ArchivedLocation> SplitArchivedLocation(std::string_view location);
 
+/// Whether the image of `location` is there: the file, or the member of the archive.
+bool FavoriteImageExists(std::string_view location);
+
 /// A member extracted for a run, deleted again afterwards.
 struct ExtractedCopy {
   std::filesystem::path folder;
