@@ -19,6 +19,7 @@ namespace romsteward {
 class AppSettings;
 class FileOperations;
 class Host;
+
 enum class TextColour { Normal, Red, Blue };
 
 /// The texts of the main window, named after the controls that show them.
