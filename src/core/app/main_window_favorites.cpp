@@ -132,8 +132,8 @@ void MainWindowModel::RunImagePath(std::string_view path, std::function<void()> 
   }
   LoadOptionsForSelection(m_settings, SelectedText(), m_controls["chkIPS"].enabled, m_options);
   if (!m_launchStep) throw std::logic_error("MainWindowModel: no launch step is connected");
-  m_launchStep(
-      *this, done ? std::move(done) : [] {});
+  if (!done) done = [] {};
+  m_launchStep(*this, std::move(done));
 }
 
 }  // namespace romsteward

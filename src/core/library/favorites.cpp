@@ -80,8 +80,11 @@ FavoriteImage PrepareArchived(Host& host, const AppSettings& settings,
   image.copy = ExtractedCopy{*folder, archived.member};
   image.path = PathToUtf8(*extracted);
   // The further volumes of a split set never come along, so such a set cannot run.
-  auto file = BinaryFile::Open(*extracted);
-  if (file && DetectRomFormat(*file) == Layout::SplitFirst) {
+  const bool splitSet = [&] {
+    auto file = BinaryFile::Open(*extracted);
+    return file && DetectRomFormat(*file) == Layout::SplitFirst;
+  }();
+  if (splitSet) {
     host.ShowMessage(kSplitInZip, MessageIcon::Critical, kAppTitle);
     image.state = FavoriteImage::State::Refused;
     return image;
