@@ -28,6 +28,7 @@ std::istream& NoInput() {
 ToolContext::ToolContext(const ToolStreams& streams)
     : out(streams.out),
       err(streams.err),
+      launch(streams.launch),
       m_in(streams.in),
       m_interactive(streams.interactive),
       m_showProgress(streams.showProgress),
@@ -107,6 +108,7 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddRunCommand(app, context);
   AddEmulatorsCommand(app, context);
   AddHistoryCommand(app, context);
+  AddFavoritesCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

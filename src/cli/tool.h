@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/app/launch_step.h"
 #include "core/common/result.h"
 
 namespace CLI {
@@ -36,6 +37,8 @@ struct ToolStreams {
   bool showProgress = false;
   /// When set, every prompt goes here instead of to the terminal.
   Host* host = nullptr;
+  /// When set, launches go here instead of to the terminal's launch command (tests).
+  LaunchStep launch = {};
 };
 
 /// The options every subcommand accepts.
@@ -59,6 +62,8 @@ public:
   std::ostream& err;
   int status = kExitOk;
   GlobalOptions global;
+  /// The launch step the caller gave; empty for the terminal's own.
+  LaunchStep launch;
 
   /// The Host for prompts and messages (a TerminalHost unless the caller gave one).
   Host& host();
@@ -103,5 +108,6 @@ void AddIdentifyCommand(CLI::App& app, ToolContext& context);
 void AddRunCommand(CLI::App& app, ToolContext& context);
 void AddEmulatorsCommand(CLI::App& app, ToolContext& context);
 void AddHistoryCommand(CLI::App& app, ToolContext& context);
+void AddFavoritesCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli

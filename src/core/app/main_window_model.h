@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "core/app/launch_command.h"
+#include "core/app/launch_step.h"
 #include "core/app/window_controls.h"
 #include "core/library/rom_scan.h"
 #include "core/library/rom_sort.h"
@@ -155,7 +157,33 @@ public:
   /// nothing is selected or the preview is off.
   std::optional<std::string> PreviewPicture(std::string_view programDirectory) const;
 
+  // Favorites.
+  /// Connects the launch command that favorites and RunImagePath use.
+  void SetLaunchStep(LaunchStep step) { m_launchStep = std::move(step); }
+  /// Rebuilds the favorites menu from section `FAVORITE`, in name order.
+  void LoadFavoritesMenu();
+  /// The titles the "Fa&vorites" menu lists below its own items (`mnu_fav`).
+  const std::vector<std::string>& FavoriteMenu() const { return m_favoriteMenu; }
+  /// Opening "Fa&vorites": "&Remove favorites..." only with favorites, "&Add to
+  /// favorites..." off without a selection.
+  void OpenFavoritesMenu();
+  /// "&Add to favorites...": asks for a title (the selected name offered) and saves the
+  /// selected entry's location under it.
+  void AddFavorite();
+  /// A click on the favorite `title`: runs its image, extracting an archived one into the
+  /// temporary folder and deleting that copy afterwards; a dead one is offered for removal.
+  /// `done` is called once when all of it is over.
+  void RunFavorite(std::string_view title, std::function<void()> done = {});
+  /// "&Remove favorites...": one title chosen from the list dialog, confirmed, deleted.
+  void RemoveFavorites();
+  /// Opens the image's directory, selects the image and launches it with its saved options
+  /// (or the general ones): the favorites' road and the program's command-line start.
+  /// Double quotes are dropped; a relative path is taken from the working directory.
+  /// `done` is called once when all of it is over, whether anything ran or not.
+  void RunImagePath(std::string_view path, std::function<void()> done = {});
+
 private:
+  void AskToRemoveDeadFavorite(const std::string& title);
   void ShowRomInfo();
   void RescanSelecting(const std::string& name);
   bool RenameFirstVolume(const std::string& name);
@@ -179,6 +207,8 @@ private:
   EmulatorOptions m_options;
   std::string m_country;
   std::string m_extraCommandLine;
+  std::vector<std::string> m_favoriteMenu;
+  LaunchStep m_launchStep;
   std::unique_ptr<FileOperations> m_ownOperations;
   FileOperations& m_operations;
   // The chosen DAT, read again only when the setting names another file.

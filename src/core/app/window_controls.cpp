@@ -43,6 +43,8 @@ constexpr InitialControl kInitialControls[] = {
     // Items that follow the selection.
     {"mnu_savthiscart", "Save Settings for &This Cartridge"},
     {"mnu_addfav", "&Add to favorites..."},
+    {"mnu_orgfav", "&Remove favorites..."},
+    {"mnufavorite", "Fa&vorites"},
     {"mnu_del", "&Delete Settings of This Cartridge"},
     {"mnu_picprev", ""},
     {"mnu_previmg", ""},
