@@ -22,6 +22,20 @@ std::istream& NoInput() {
   return empty;
 }
 
+// A usage error names what was wrong and shows the short usage of the (sub)command being
+// parsed, then exits 2 like every other bad input.
+int ReportUsageError(const CLI::App& app, const CLI::ParseError& error, std::ostream& err) {
+  const CLI::App* command = &app;
+  std::string name = app.get_name();
+  for (auto parsed = app.get_subcommands(); !parsed.empty(); parsed = command->get_subcommands()) {
+    command = parsed.front();
+    name += " " + command->get_name();
+  }
+  err << error.what() << '\n'
+      << CLI::Formatter().make_usage(command, name) << "Run with --help for more information.\n";
+  return kExitError;
+}
+
 }  // namespace
 
 ToolContext::ToolContext(const ToolStreams& streams)
@@ -105,6 +119,8 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   try {
     app.parse(reversed);
   } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success))
+      return ReportUsageError(app, error, streams.err);
     return app.exit(error, streams.out, streams.err);
   }
   return context.status;

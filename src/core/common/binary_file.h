@@ -35,6 +35,14 @@ public:
   /// Fills as much of `out` as the file holds from `offset`; returns the bytes read.
   std::size_t ReadInto(std::uint64_t offset, std::span<char> out) const;
 
+  /// The first offset at or after `offset` that may hold data other than a hole of a sparse
+  /// file (which reads as zeros); the file's size when only a hole follows. Where the file
+  /// system cannot tell, `offset` itself.
+  std::uint64_t NextDataOffset(std::uint64_t offset) const;
+  /// Where the data from `offset` on ends in a hole (or the file ends); where the file system
+  /// cannot tell, the largest offset there is.
+  std::uint64_t NextHoleOffset(std::uint64_t offset) const;
+
   Status WriteAt(std::uint64_t offset, std::string_view data);
   Status Truncate(std::uint64_t length);
 
@@ -46,8 +54,14 @@ private:
   Mode m_mode = Mode::Read;
 };
 
-/// Whole file in memory; a clear error naming the file when it cannot be read.
-Result<std::string> ReadWholeFile(const std::filesystem::path& path);
+/// The largest file read whole into memory: no cartridge image, patch or template comes near
+/// it, and it keeps a mistaken multi-gigabyte input from taking the machine's memory.
+inline constexpr std::uint64_t kMaxWholeFileSize = 64ull * 1024 * 1024;
+
+/// Whole file in memory; a clear error naming the file when it cannot be read or is larger
+/// than `limit`.
+Result<std::string> ReadWholeFile(const std::filesystem::path& path,
+                                  std::uint64_t limit = kMaxWholeFileSize);
 
 /// Whether the current user may write the file (the read-only attribute of old). A file
 /// without any write permission bit counts as read-only even for the superuser.

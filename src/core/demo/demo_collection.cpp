@@ -45,7 +45,7 @@ std::vector<std::string> BuildSplitVolumes(std::string_view logical, std::size_t
 }
 
 Result<std::string> BuildZipArchive(
-    const std::vector<std::pair<std::string, std::string>>& members) {
+    const std::vector<std::pair<std::string, std::string>>& members, ArchiveFormat format) {
   using ArchivePtr = std::unique_ptr<archive, decltype(&archive_write_free)>;
   ArchivePtr writer(archive_write_new(), &archive_write_free);
   std::string zip;
@@ -53,7 +53,10 @@ Result<std::string> BuildZipArchive(
     static_cast<std::string*>(target)->append(static_cast<const char*>(data), size);
     return static_cast<la_ssize_t>(size);
   };
-  if (archive_write_set_format_zip(writer.get()) != ARCHIVE_OK ||
+  const int formatSet = format == ArchiveFormat::SevenZip
+                            ? archive_write_set_format_7zip(writer.get())
+                            : archive_write_set_format_zip(writer.get());
+  if (formatSet != ARCHIVE_OK ||
       archive_write_open(writer.get(), &zip, nullptr, append, nullptr) != ARCHIVE_OK)
     return Error{std::string("Cannot create a ZIP archive: ") + archive_error_string(writer.get())};
 
