@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "cli/image_check.h"
 #include "cli/tool.h"
 #include "core/cart/detect.h"
 #include "core/cart/header.h"
@@ -88,6 +89,8 @@ int RunInfo(const InfoOptions& options, ToolContext& context) {
       continue;
     }
     const Layout layout = DetectRomFormat(*file);
+    // Shown all the same (the fields say what little there is), but it is no usable image.
+    if (!CheckImage(name, context)) status = kExitError;
     const FileInfo info{name, layout, ReadCartridgeHeader(*file), RomSizeMbit(*file, name, layout)};
     if (options.json) {
       all.push_back(ToJson(info));

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "cli/exit_status.h"
+#include "cli/image_check.h"
 #include "cli/tool.h"
 #include "core/host/host.h"
 #include "core/cart/detect.h"
@@ -32,6 +33,7 @@ int RunSplit(const SplitOptions& options, ToolContext& context) {
     // The volumes copy the data after a 512-byte copier header as it lies, so anything but
     // a whole SMD image would come out broken.
     const Layout layout = DetectRomFormat(*file);
+    if (layout == Layout::Smd && !CheckImage(options.file, context)) return kExitError;
     if (layout != Layout::Smd) {
       context.err << options.file << ": only a whole SMD image can be split, this is "
                   << FormatDescription(layout) << " (convert --to smd first)\n";

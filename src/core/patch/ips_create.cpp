@@ -88,6 +88,12 @@ Result<std::optional<std::uint64_t>> FirstDifferenceFrom(const BinaryFile& a, co
   std::string left(kCompareBlock, '\0');
   std::string right(kCompareBlock, '\0');
   for (std::uint64_t at = from; at < size;) {
+    // Where both files have a hole, both read as zeros: passed without reading.
+    const std::uint64_t data = std::min(a.NextDataOffset(at), b.NextDataOffset(at));
+    if (data > at) {
+      at = std::min(data, size);
+      continue;
+    }
     const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(kCompareBlock, size - at));
     if (a.ReadInto(at, std::span<char>(left.data(), count)) != count)
       return Error{"Cannot read all of " + PathToUtf8(a.Path()) + ". " +
