@@ -89,8 +89,9 @@ int RunInfo(const InfoOptions& options, ToolContext& context) {
       continue;
     }
     const Layout layout = DetectRomFormat(*file);
-    // Shown all the same (the fields say what little there is), but it is no usable image.
-    if (!CheckImage(name, context)) status = kExitError;
+    // Any file is described (its layout says when it is no image), but an image cut short
+    // before its header is shown with a warning and counts as bad input.
+    if (layout != Layout::NoRom && !CheckImage(name, context)) status = kExitError;
     const FileInfo info{name, layout, ReadCartridgeHeader(*file), RomSizeMbit(*file, name, layout)};
     if (options.json) {
       all.push_back(ToJson(info));

@@ -38,7 +38,8 @@ const std::vector<Input> kNoImage = {Input::Missing, Input::Folder, Input::Empty
                                      Input::Bytes511};
 
 const Command kCommands[] = {
-    {{"info", "{in}"}, kAllInputs},
+    // Any file is described; only what cannot be read or is cut short is refused.
+    {{"info", "{in}"}, {Input::Missing, Input::Folder, Input::TruncatedSmd}},
     {{"checksum", "{in}"}, kAllInputs},
     {{"checksum", "--fix", "--backup", "{in}"}, kAllInputs},
     {{"repair", "--yes", "{in}"}, kNoImage},
