@@ -1,6 +1,7 @@
 // Archive listing and extraction through libarchive: whatever the archive holds, nothing is
 // written outside the extraction folder and nothing is left in it once removed.
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 
@@ -31,9 +32,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   // A failed extraction takes back what it wrote, a finished one is removed by name: either
   // way the folder is empty again, and nothing ever appears beside it.
-  if (!std::filesystem::is_empty(folder)) std::abort();
-  for (const auto& entry : std::filesystem::directory_iterator(scratch)) {
-    if (entry.path() != folder) std::abort();
+  bool stray = false;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(scratch)) {
+    if (entry.path() == folder) continue;
+    std::fprintf(stderr, "left behind: %s\n", entry.path().c_str());
+    stray = true;
   }
+  if (stray) std::abort();
   return 0;
 }

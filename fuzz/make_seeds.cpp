@@ -42,7 +42,8 @@ Seeds ImageSeeds() {
 Seeds IpsSeeds() {
   std::string before = SmallImage(4);
   std::string after = before;
-  for (std::size_t at : {0x10u, 0x18Eu, 0x454F46u % before.size(), 0x3FFFu})
+  for (const std::size_t at :
+       {std::size_t{0x10}, std::size_t{0x18E}, std::size_t{0x2000}, std::size_t{0x3FFF}})
     after[at] = static_cast<char>(after[at] ^ 0x5A);
   Seeds seeds;
   if (auto patch = DiffToIps(before, after)) {

@@ -217,11 +217,14 @@ Result<std::vector<std::filesystem::path>> ExtractZipMembers(const std::filesyst
   if (!reader) return reader.error();
   std::vector<std::filesystem::path> extracted(members.size());
   std::vector<bool> done(members.size(), false);
-  // A failure takes back what this call wrote, so the folder is left as it was.
+  // A failure takes back what this call wrote (the member under way included, with the
+  // folders its name created), so the folder is left as it was.
+  std::string underWay;
   const auto fail = [&](Error why) -> Result<std::vector<std::filesystem::path>> {
     for (std::size_t i = 0; i < members.size(); ++i) {
       if (done[i]) (void)RemoveExtractedMember(folder, members[i]);
     }
+    if (!underWay.empty()) (void)RemoveExtractedMember(folder, underWay);
     return why;
   };
   std::size_t remaining = members.size();
@@ -237,6 +240,7 @@ Result<std::vector<std::filesystem::path>> ExtractZipMembers(const std::filesyst
       if (done[i] || members[i] != name) continue;
       if (IsLink(entry) || archive_entry_filetype(entry) != AE_IFREG)
         return fail(Error{MemberText(kind, name) + " is refused: it is a link or no file."});
+      underWay = name;
       auto target = PrepareTarget(folder, name);
       if (!target) return fail(target.error());
       if (Status written = ExtractCurrent(reader->get(), entry, kind, name, *target, sizeLimit);
@@ -244,6 +248,7 @@ Result<std::vector<std::filesystem::path>> ExtractZipMembers(const std::filesyst
         return fail(written.error());
       extracted[i] = std::move(*target);
       done[i] = true;
+      underWay.clear();
       --remaining;
       // The same name asked twice is the same file: it is only read once.
       for (std::size_t j = i + 1; j < members.size(); ++j) {

@@ -63,8 +63,9 @@ TEST_F(CalcChecksumTest, HolesOfSparseFilesSumAsZeros) {
     ASSERT_TRUE(file->Truncate(image.size()).ok());
     for (std::size_t at = 0; at < image.size(); at += 4096) {
       const std::string_view page = std::string_view(image).substr(at, 4096);
-      if (page.find_first_not_of('\0') != std::string_view::npos)
+      if (page.find_first_not_of('\0') != std::string_view::npos) {
         ASSERT_TRUE(file->WriteAt(at, page).ok());
+      }
     }
     EXPECT_EQ(Sum(path).value(), ReferenceChecksum(logical)) << LayoutCode(layout);
   }
