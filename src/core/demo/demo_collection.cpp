@@ -56,7 +56,9 @@ Result<std::string> BuildZipArchive(
   const int formatSet = format == ArchiveFormat::SevenZip
                             ? archive_write_set_format_7zip(writer.get())
                             : archive_write_set_format_zip(writer.get());
+  // No padding to the tape-era block size: the archive ends where its data does.
   if (formatSet != ARCHIVE_OK ||
+      archive_write_set_bytes_in_last_block(writer.get(), 1) != ARCHIVE_OK ||
       archive_write_open(writer.get(), &zip, nullptr, append, nullptr) != ARCHIVE_OK)
     return Error{std::string("Cannot create a ZIP archive: ") + archive_error_string(writer.get())};
 

@@ -45,7 +45,8 @@ Result<ArchivePtr> OpenZip(const std::filesystem::path& path) {
 
 std::string ErrorText(archive* reader) {
   const char* why = archive_error_string(reader);
-  return why ? why : "unknown error";
+  // The 7z reader fails a cut-off archive without saying why.
+  return why ? why : "it is damaged or cut short";
 }
 
 std::string MemberName(archive_entry* entry) {
