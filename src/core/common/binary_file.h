@@ -10,6 +10,26 @@
 
 namespace romsteward {
 
+/// The first bytes of a file mapped into memory for reading; unmapped with the object.
+class MappedBytes {
+public:
+  MappedBytes() = default;
+  MappedBytes(MappedBytes&& other) noexcept;
+  MappedBytes& operator=(MappedBytes&& other) noexcept;
+  MappedBytes(const MappedBytes&) = delete;
+  MappedBytes& operator=(const MappedBytes&) = delete;
+  ~MappedBytes();
+
+  std::string_view View() const { return {static_cast<const char*>(m_address), m_length}; }
+
+private:
+  friend class BinaryFile;
+  MappedBytes(void* address, std::size_t length) : m_address(address), m_length(length) {}
+
+  void* m_address = nullptr;
+  std::size_t m_length = 0;
+};
+
 /// An open file read and written at explicit offsets, the way every image routine works.
 /// Move-only; the descriptor closes with the object.
 class BinaryFile {
@@ -42,6 +62,10 @@ public:
   /// Where the data from `offset` on ends in a hole (or the file ends); where the file system
   /// cannot tell, the largest offset there is.
   std::uint64_t NextHoleOffset(std::uint64_t offset) const;
+
+  /// The first `length` bytes (no more than the file holds) mapped for reading, with the
+  /// pages brought in at once: what is read whole is neither copied nor zeroed first.
+  Result<MappedBytes> MapForReading(std::size_t length) const;
 
   Status WriteAt(std::uint64_t offset, std::string_view data);
   Status Truncate(std::uint64_t length);

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -90,6 +91,31 @@ std::uint64_t BinaryFile::NextDataOffset(std::uint64_t offset) const {
 std::uint64_t BinaryFile::NextHoleOffset(std::uint64_t offset) const {
   const off_t hole = ::lseek(m_fd, static_cast<off_t>(offset), SEEK_HOLE);
   return hole >= 0 ? static_cast<std::uint64_t>(hole) : UINT64_MAX;
+}
+
+MappedBytes::MappedBytes(MappedBytes&& other) noexcept
+    : m_address(std::exchange(other.m_address, nullptr)),
+      m_length(std::exchange(other.m_length, 0)) {}
+
+MappedBytes& MappedBytes::operator=(MappedBytes&& other) noexcept {
+  if (this != &other) {
+    if (m_address != nullptr) ::munmap(m_address, m_length);
+    m_address = std::exchange(other.m_address, nullptr);
+    m_length = std::exchange(other.m_length, 0);
+  }
+  return *this;
+}
+
+MappedBytes::~MappedBytes() {
+  if (m_address != nullptr) ::munmap(m_address, m_length);
+}
+
+Result<MappedBytes> BinaryFile::MapForReading(std::size_t length) const {
+  length = static_cast<std::size_t>(std::min<std::uint64_t>(length, Size()));
+  if (length == 0) return MappedBytes();
+  void* address = ::mmap(nullptr, length, PROT_READ, MAP_PRIVATE | MAP_POPULATE, m_fd, 0);
+  if (address == MAP_FAILED) return ErrnoError("Cannot read", m_path);
+  return MappedBytes(address, length);
 }
 
 Status BinaryFile::WriteAt(std::uint64_t offset, std::string_view data) {

@@ -179,12 +179,15 @@ Result<IpsPatch> CreateIpsFile(const std::filesystem::path& unchanged,
   const std::uint64_t size = before->Size();
   if (after->Size() != size) return Error{std::string(kIpsSizeMismatch)};
 
+  // Mapped rather than read: the heads are compared where the page cache holds them.
   const auto held = static_cast<std::size_t>(std::min(size, kPatchableLength));
-  const std::string head = before->ReadAt(0, held);
-  const std::string changedHead = after->ReadAt(0, held);
-  if (head.size() != held || changedHead.size() != held)
+  auto head = before->MapForReading(held);
+  if (!head) return head.error();
+  auto changedHead = after->MapForReading(held);
+  if (!changedHead) return changedHead.error();
+  if (head->View().size() != held || changedHead->View().size() != held)
     return Error{"Cannot read all of the files to compare. " + std::string(kNothingWritten)};
-  auto patch = DiffToIps(head, changedHead);
+  auto patch = DiffToIps(head->View(), changedHead->View());
   if (!patch) return patch;
   auto beyond = FirstDifferenceFrom(*before, *after, held, size);
   if (!beyond) return beyond.error();
