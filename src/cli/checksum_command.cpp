@@ -27,14 +27,21 @@ int CheckFile(const std::string& name, const ChecksumOptions& options, AppSettin
               ToolContext& context) {
   const std::filesystem::path path = Utf8ToPath(name);
   const std::string shown = EscapeForDisplay(name);
-  if (!CheckImage(name, context)) return kExitError;
+  // Cut short before its header, an image would be summed and "fixed" like a whole one.
+  if (auto checked = CheckImage(name); !checked) {
+    context.err << checked.error().message << '\n';
+    return kExitError;
+  }
   auto state = ReadChecksumState(path, &context.host());
   if (!state) {
     context.err << state.error().message << '\n';
     return kExitError;
   }
-  if (state->layout == Layout::SplitLater) {
-    context.err << shown << " is a later volume of a split set; check its first volume.\n";
+  if (state->layout == Layout::NoRom || state->layout == Layout::SplitLater) {
+    context.err << shown
+                << (state->layout == Layout::NoRom
+                        ? " is not a cartridge image.\n"
+                        : " is a later volume of a split set; check its first volume.\n");
     return kExitError;
   }
 

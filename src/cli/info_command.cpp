@@ -91,7 +91,10 @@ int RunInfo(const InfoOptions& options, ToolContext& context) {
     const Layout layout = DetectRomFormat(*file);
     // Any file is described (its layout says when it is no image), but an image cut short
     // before its header is shown with a warning and counts as bad input.
-    if (layout != Layout::NoRom && !CheckImage(name, context)) status = kExitError;
+    if (auto checked = CheckImage(name); layout != Layout::NoRom && !checked) {
+      context.err << checked.error().message << '\n';
+      status = kExitError;
+    }
     const FileInfo info{name, layout, ReadCartridgeHeader(*file), RomSizeMbit(*file, name, layout)};
     if (options.json) {
       all.push_back(ToJson(info));
