@@ -29,7 +29,8 @@ int RunCreate(const IpsOptions& options, ToolContext& context) {
     context.err << created.error().message << '\n';
     if (created.error().message == kIpsSizeMismatch)
       context.err << EscapeForDisplay(options.unchanged) << " and "
-                  << EscapeForDisplay(options.changed) << " differ in length; no patch was written.\n";
+                  << EscapeForDisplay(options.changed)
+                  << " differ in length; no patch was written.\n";
     return kExitError;
   }
   context.out << "IPS file generated.\n"

@@ -24,8 +24,9 @@ std::unique_ptr<MainWindowModel> OpenPlace(ToolContext& context, std::string_vie
   const bool archive = std::filesystem::is_regular_file(status) && IsZipFile(Utf8ToPath(place));
   if (!std::filesystem::is_directory(status) && !archive) {
     context.err << "Cannot list " << EscapeForDisplay(place)
-                << (std::filesystem::exists(status) ? ": it is neither a folder nor a ZIP or 7z archive"
-                                                    : ": there is no folder or archive of that name")
+                << (std::filesystem::exists(status)
+                        ? ": it is neither a folder nor a ZIP or 7z archive"
+                        : ": there is no folder or archive of that name")
                 << ".\n";
     context.status = kExitError;
     return nullptr;

@@ -6,9 +6,9 @@
 #include "cli/exit_status.h"
 #include "cli/image_check.h"
 #include "cli/tool.h"
-#include "core/host/host.h"
 #include "core/cart/detect.h"
 #include "core/common/strings.h"
+#include "core/host/host.h"
 #include "core/tools/split_join.h"
 #include "core/tools/split_size_chooser.h"
 

@@ -39,7 +39,8 @@ int ReportUsageError(const CLI::App& app, const CLI::ParseError& error,
     std::error_code missing;
     if (arg.size() > 1 && arg[0] == '-' && arg != "--" && !command->get_option_no_throw(arg) &&
         (arg.find('.') != std::string::npos || std::filesystem::exists(Utf8ToPath(arg), missing)))
-      err << "\"" << EscapeForDisplay(arg) << "\" was read as options; for a file of that name write "
+      err << "\"" << EscapeForDisplay(arg)
+          << "\" was read as options; for a file of that name write "
           << "-- before it, or ./" << EscapeForDisplay(arg) << "\n";
   }
   err << CLI::Formatter().make_usage(command, name) << "Run with --help for more information.\n";

@@ -44,8 +44,8 @@ std::vector<std::string> BuildSplitVolumes(std::string_view logical, std::size_t
   return volumes;
 }
 
-Result<std::string> BuildZipArchive(
-    const std::vector<std::pair<std::string, std::string>>& members, ArchiveFormat format) {
+Result<std::string> BuildZipArchive(const std::vector<std::pair<std::string, std::string>>& members,
+                                    ArchiveFormat format) {
   using ArchivePtr = std::unique_ptr<archive, decltype(&archive_write_free)>;
   ArchivePtr writer(archive_write_new(), &archive_write_free);
   std::string zip;

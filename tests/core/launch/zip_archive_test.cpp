@@ -150,7 +150,8 @@ TEST_F(ZipArchiveTest, DuplicatedNamesAndAFailureHalfWayLeaveNothingBehind) {
   ASSERT_TRUE(RemoveExtractedMember(folder, "a.bin").ok());
 
   // The second member is a bomb: the first, already written, is taken back.
-  const auto path = Archive(Zip({{"sub/ok.bin", "fine"}, {"deep/bomb.bin", std::string(1 << 20, 'z')}}));
+  const auto path =
+      Archive(Zip({{"sub/ok.bin", "fine"}, {"deep/bomb.bin", std::string(1 << 20, 'z')}}));
   const std::vector<std::string> both = {"sub/ok.bin", "deep/bomb.bin"};
   EXPECT_FALSE(ExtractZipMembers(path, both, folder, 64 * 1024).ok());
   EXPECT_TRUE(std::filesystem::is_empty(folder));
