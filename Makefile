@@ -52,3 +52,24 @@ format:
 
 clean:
 	rm -rf build
+
+# Fuzzing: the fuzz preset's compiler and libFuzzer, installed by `make fuzz` when missing.
+# Each target runs FUZZ_SECONDS from a seed corpus the project's builders write; a crash,
+# hang or leak stops the run and leaves its input in build/fuzz/findings.
+FUZZ_PACKAGES := clang-14 libclang-rt-14-dev
+FUZZ_SECONDS ?= 180
+FUZZ_DIR := build/fuzz
+
+.PHONY: fuzz
+fuzz:
+	@$(MAKE) --no-print-directory deps DEB_PACKAGES="$(DEB_PACKAGES) $(FUZZ_PACKAGES)"
+	cmake --preset fuzz $(CMAKE_FLAGS)
+	cmake --build $(FUZZ_DIR) --target romsteward-fuzzers -j $(JOBS)
+	$(FUZZ_DIR)/fuzz/romsteward-fuzz-seeds $(FUZZ_DIR)/corpus
+	@mkdir -p $(FUZZ_DIR)/findings
+	@for t in $(FUZZ_DIR)/fuzz/*_fuzz; do \
+	  n=$$(basename $$t); echo "== $$n: $(FUZZ_SECONDS) s"; \
+	  $$t -max_total_time=$(FUZZ_SECONDS) -max_len=65536 -timeout=10 -rss_limit_mb=2048 \
+	    -print_final_stats=1 -artifact_prefix=$(FUZZ_DIR)/findings/$$n- \
+	    $(FUZZ_DIR)/corpus/$$n || exit 1; \
+	done

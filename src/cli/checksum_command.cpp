@@ -5,6 +5,7 @@
 #include <memory>
 #include <ostream>
 
+#include "cli/image_check.h"
 #include "cli/json_output.h"
 #include "cli/tool.h"
 #include "core/cart/checksum_commands.h"
@@ -37,6 +38,8 @@ int CheckFile(const std::string& name, const ChecksumOptions& options, AppSettin
     record["error"] = JsonText(message);
     return kExitError;
   };
+  // Cut short before its header, an image would be summed and "fixed" like a whole one.
+  if (auto checked = CheckImage(name); !checked) return fail(checked.error().message);
   auto state = ReadChecksumState(path, &context.host());
   if (!state) return fail(state.error().message);
   if (state->layout == Layout::NoRom || state->layout == Layout::SplitLater) {

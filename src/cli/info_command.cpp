@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "cli/image_check.h"
 #include "cli/tool.h"
 #include "core/cart/detect.h"
 #include "core/cart/header.h"
@@ -92,6 +93,12 @@ int RunInfo(const InfoOptions& options, ToolContext& context) {
       continue;
     }
     const Layout layout = DetectRomFormat(*file);
+    // Any file is described (its layout says when it is no image), but an image cut short
+    // before its header is shown with a warning and counts as bad input.
+    if (auto checked = CheckImage(name); layout != Layout::NoRom && !checked) {
+      context.err << checked.error().message << '\n';
+      status = kExitError;
+    }
     const FileInfo info{name, layout, ReadCartridgeHeader(*file), RomSizeMbit(*file, name, layout)};
     if (options.json) {
       all.push_back(ToJson(info));

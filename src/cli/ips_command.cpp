@@ -27,6 +27,10 @@ int RunCreate(const IpsOptions& options, ToolContext& context) {
       CreateIpsFile(Utf8ToPath(options.unchanged), Utf8ToPath(options.changed), Utf8ToPath(output));
   if (!created) {
     context.err << created.error().message << '\n';
+    if (created.error().message == kIpsSizeMismatch)
+      context.err << EscapeForDisplay(options.unchanged) << " and "
+                  << EscapeForDisplay(options.changed)
+                  << " differ in length; no patch was written.\n";
     return kExitError;
   }
   context.out << "IPS file generated.\n"

@@ -11,6 +11,7 @@
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
 #include "core/patch/dynamic_patches.h"
+#include "core/patch/ips_format.h"
 #include "core/patch/patch_commands.h"
 #include "core/patch/patch_dialog_model.h"
 #include "core/settings/app_settings.h"
@@ -185,7 +186,10 @@ int RunFromIps(const PatchOptions& options, ToolContext& context) {
   if (!settings) return kExitError;
   StoreIpsAsDynamicPatches(context.host(), settings->Store(), Utf8ToPath(options.file),
                            ListText(options.file), *ips, options.ips, baseName);
-  return kExitOk;
+  // A patch that could not be read to its end was reported above; it is bad input even
+  // when its complete records were kept.
+  const IpsEnd end = ParseIps(*ips).end;
+  return end == IpsEnd::Truncated || end == IpsEnd::TooShort ? kExitError : kExitOk;
 }
 
 }  // namespace

@@ -39,7 +39,12 @@ void RunReport(const ReportOptions& options, ToolContext& context) {
     text = std::move(*read);
   }
   // The template is judged before anything is read or written.
-  if (auto pieces = SplitTemplate(text); !pieces) return Fail(context, pieces.error().message);
+  if (auto pieces = SplitTemplate(text); !pieces) {
+    Fail(context, pieces.error().message);
+    context.err << "The template " << EscapeForDisplay(options.templateFile)
+                << " was not used; no report was written.\n";
+    return;
+  }
 
   const auto model = OpenPlace(context, options.place, ListFilter::RomFiles, SortOrder::Name);
   if (!model) return;

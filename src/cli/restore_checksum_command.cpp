@@ -5,6 +5,7 @@
 #include <memory>
 #include <ostream>
 
+#include "cli/image_check.h"
 #include "cli/tool.h"
 #include "core/cart/checksum_commands.h"
 #include "core/common/strings.h"
@@ -20,6 +21,10 @@ int RunRestoreChecksum(const std::string& name, ToolContext& context) {
   const std::filesystem::path path = Utf8ToPath(name);
   const std::string entry = PathToUtf8(path.filename());
   const std::string shown = EscapeForDisplay(name);
+  if (auto checked = CheckImage(name); !checked) {
+    context.err << checked.error().message << '\n';
+    return kExitError;
+  }
   if (!HasChecksumBackup(*settings, entry)) {
     context.err << "No old checksum is kept for " << EscapeForDisplay(entry) << ".\n";
     return kExitFailure;

@@ -38,7 +38,7 @@ std::optional<std::string_view> KnownSection(ToolContext& context, std::string_v
 void PrintValues(ToolContext& context,
                  const std::vector<std::pair<std::string, std::string>>& values) {
   for (const auto& [name, data] : values) {
-    context.out << EscapeForDisplay(name) << '=' << EscapeForDisplay(data) << '\n';
+    context.out << EscapeForDisplay(name) << '=' << EscapeExactly(data) << '\n';
   }
 }
 
@@ -85,7 +85,7 @@ void RunGet(const SettingsOptions& options, ToolContext& context) {
   if (options.raw) {
     context.out << *value;
   } else {
-    context.out << EscapeForDisplay(*value) << '\n';
+    context.out << EscapeExactly(*value) << '\n';
   }
 }
 

@@ -4,10 +4,11 @@
 #include <ostream>
 
 #include "cli/exit_status.h"
+#include "cli/image_check.h"
 #include "cli/tool.h"
-#include "core/host/host.h"
 #include "core/cart/detect.h"
 #include "core/common/strings.h"
+#include "core/host/host.h"
 #include "core/tools/split_join.h"
 #include "core/tools/split_size_chooser.h"
 
@@ -32,6 +33,10 @@ int RunSplit(const SplitOptions& options, ToolContext& context) {
     // The volumes copy the data after a 512-byte copier header as it lies, so anything but
     // a whole SMD image would come out broken.
     const Layout layout = DetectRomFormat(*file);
+    if (auto checked = CheckImage(options.file); layout == Layout::Smd && !checked) {
+      context.err << checked.error().message << '\n';
+      return kExitError;
+    }
     if (layout != Layout::Smd) {
       context.err << options.file << ": only a whole SMD image can be split, this is "
                   << FormatDescription(layout) << " (convert --to smd first)\n";

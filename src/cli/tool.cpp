@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 #include <istream>
 #include <ostream>
 #include <sstream>
@@ -21,6 +22,30 @@ std::istream& NoInput() {
   static std::istringstream empty;
   empty.clear();
   return empty;
+}
+
+// A usage error names what was wrong and shows the short usage of the (sub)command being
+// parsed, then exits 2 like every other bad input.
+int ReportUsageError(const CLI::App& app, const CLI::ParseError& error,
+                     const std::vector<std::string>& args, std::ostream& err) {
+  const CLI::App* command = &app;
+  std::string name = app.get_name();
+  for (auto parsed = app.get_subcommands(); !parsed.empty(); parsed = command->get_subcommands()) {
+    command = parsed.front();
+    name += " " + command->get_name();
+  }
+  err << error.what() << '\n';
+  // A file whose name starts with a dash reads as options; say how to name it.
+  for (const std::string& arg : args) {
+    std::error_code missing;
+    if (arg.size() > 1 && arg[0] == '-' && arg != "--" && !command->get_option_no_throw(arg) &&
+        (arg.find('.') != std::string::npos || std::filesystem::exists(Utf8ToPath(arg), missing)))
+      err << "\"" << EscapeForDisplay(arg)
+          << "\" was read as options; for a file of that name write "
+          << "-- before it, or ./" << EscapeForDisplay(arg) << "\n";
+  }
+  err << CLI::Formatter().make_usage(command, name) << "Run with --help for more information.\n";
+  return kExitError;
 }
 
 }  // namespace
@@ -114,6 +139,8 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   try {
     app.parse(reversed);
   } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success))
+      return ReportUsageError(app, error, args, streams.err);
     return app.exit(error, streams.out, streams.err);
   }
   return context.status;

@@ -123,7 +123,9 @@ void MainWindowModel::FillFromZip() {
   // Archive order, unsorted: the list is the archive's own table of contents.
   m_entries = std::move(listing->names);
   if (!listing->damage.empty())
-    m_host.ShowMessage("The ZIP archive " + m_diret +
+    m_host.ShowMessage(std::string("The ") +
+                           std::string(ArchiveFormatName(ArchiveFormatOf(Utf8ToPath(m_diret)))) +
+                           " archive " + m_diret +
                            " is damaged; the list shows the members read before the damage (" +
                            listing->damage + ").",
                        MessageIcon::Exclamation, kAppTitle);
@@ -167,7 +169,7 @@ void MainWindowModel::OpenRomDirectory() {
 void MainWindowModel::OpenZipDirectory() {
   FileDialog dialog;
   dialog.title = "Choose a ZIP directory";
-  dialog.filters = {{"Zipped volumes", "*.zip"}};
+  dialog.filters = {{"Zipped volumes", "*.zip"}, {"7z archives", "*.7z"}};
   const std::optional<std::string> path = m_host.ChooseOpenFile(dialog);
   if (!path || path->empty()) return;
   if (IsRemotePath(*path)) {

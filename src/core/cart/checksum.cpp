@@ -158,6 +158,11 @@ public:
       const auto count =
           static_cast<std::size_t>(std::min<std::uint64_t>(kReadSize / kBlockSize, blocks - done));
       const std::uint64_t offset = start + done * kBlockSize;
+      if (IsHole(offset, count * kBlockSize)) {
+        done += count;
+        m_progress.Position(offset + count * kBlockSize, m_length);
+        continue;
+      }
       if (Status read = Read(offset, count * kBlockSize); !read) return read.error();
       for (std::size_t b = 0; b < count; ++b, ++done) {
         const bool first = skipHeader && done == 0;
@@ -174,8 +179,10 @@ public:
     std::uint64_t total = 0;
     for (std::uint64_t done = 0; done < count;) {
       const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(kReadSize, count - done));
-      if (Status read = Read(start + done, size); !read) return read.error();
-      total += SumBytes(Bytes(), size);
+      if (!IsHole(start + done, size)) {
+        if (Status read = Read(start + done, size); !read) return read.error();
+        total += SumBytes(Bytes(), size);
+      }
       done += size;
     }
     return total;
@@ -184,6 +191,21 @@ public:
   std::uint64_t Length() const { return m_length; }
 
 private:
+  // Zeros add nothing to any of the sums, so a hole of a sparse file is passed without being
+  // read: copying gigabytes of zeros out of the kernel was most of the time such a file took.
+  // Reads go forward only, so the last extent of data or hole found answers until passed.
+  bool IsHole(std::uint64_t offset, std::size_t size) {
+    if (offset < m_dataEnd) return false;
+    if (offset + size <= m_holeEnd) return true;
+    const std::uint64_t data = m_file.NextDataOffset(offset);
+    if (data >= offset + size) {
+      m_holeEnd = data;
+      return true;
+    }
+    m_dataEnd = m_file.NextHoleOffset(data);
+    return false;
+  }
+
   Status Read(std::uint64_t offset, std::size_t size) {
     if (!m_buffer) m_buffer = std::make_unique_for_overwrite<std::uint16_t[]>(kReadSize / 2);
     if (m_file.ReadInto(offset, std::span<char>(reinterpret_cast<char*>(m_buffer.get()), size)) !=
@@ -202,6 +224,8 @@ private:
   ProgressReport& m_progress;
   std::uint64_t m_length;
   std::unique_ptr<std::uint16_t[]> m_buffer;
+  std::uint64_t m_dataEnd = 0;  ///< bytes before this may hold data
+  std::uint64_t m_holeEnd = 0;  ///< a hole known to reach up to here
 };
 
 // The whole blocks after an SMD file's or volume's copier header. A tail shorter than a block

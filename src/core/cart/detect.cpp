@@ -52,6 +52,19 @@ Layout DetectRomFormat(std::string_view bytes) {
       bytes.size());
 }
 
+bool HoldsCartridgeHeader(const BinaryFile& file, Layout layout) {
+  switch (layout) {
+    case Layout::Bin:
+    case Layout::Md:
+      return file.Size() >= 0x200;
+    case Layout::Smd:
+    case Layout::SplitFirst:
+      return file.Size() >= kCopierHeaderSize + kBlockSize;
+    default:
+      return true;
+  }
+}
+
 std::uint8_t RomSizeMbit(const BinaryFile& file, std::string_view name, Layout layout) {
   std::uint64_t total = file.Size();
   if (IsSplitVolume(layout)) {

@@ -20,4 +20,9 @@ Layout DetectRomFormat(std::string_view bytes);
 /// 255 like the byte it is kept in.
 std::uint8_t RomSizeMbit(const BinaryFile& file, std::string_view name, Layout layout);
 
+/// Whether the file is long enough to hold the whole cartridge header (logical 0x000-0x1FF)
+/// in `layout`'s form: an SMD file or first volume needs its copier header and one whole
+/// block. Any other layout has no header to hold and passes.
+bool HoldsCartridgeHeader(const BinaryFile& file, Layout layout);
+
 }  // namespace romsteward

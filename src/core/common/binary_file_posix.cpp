@@ -1,7 +1,9 @@
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -79,6 +81,43 @@ std::string BinaryFile::ReadAt(std::uint64_t offset, std::size_t count) const {
   return bytes;
 }
 
+std::uint64_t BinaryFile::NextDataOffset(std::uint64_t offset) const {
+  const off_t data = ::lseek(m_fd, static_cast<off_t>(offset), SEEK_DATA);
+  if (data >= 0) return static_cast<std::uint64_t>(data);
+  // ENXIO: nothing but a hole from `offset` to the end.
+  return errno == ENXIO ? std::max(offset, Size()) : offset;
+}
+
+std::uint64_t BinaryFile::NextHoleOffset(std::uint64_t offset) const {
+  const off_t hole = ::lseek(m_fd, static_cast<off_t>(offset), SEEK_HOLE);
+  return hole >= 0 ? static_cast<std::uint64_t>(hole) : UINT64_MAX;
+}
+
+MappedBytes::MappedBytes(MappedBytes&& other) noexcept
+    : m_address(std::exchange(other.m_address, nullptr)),
+      m_length(std::exchange(other.m_length, 0)) {}
+
+MappedBytes& MappedBytes::operator=(MappedBytes&& other) noexcept {
+  if (this != &other) {
+    if (m_address != nullptr) ::munmap(m_address, m_length);
+    m_address = std::exchange(other.m_address, nullptr);
+    m_length = std::exchange(other.m_length, 0);
+  }
+  return *this;
+}
+
+MappedBytes::~MappedBytes() {
+  if (m_address != nullptr) ::munmap(m_address, m_length);
+}
+
+Result<MappedBytes> BinaryFile::MapForReading(std::size_t length) const {
+  length = static_cast<std::size_t>(std::min<std::uint64_t>(length, Size()));
+  if (length == 0) return MappedBytes();
+  void* address = ::mmap(nullptr, length, PROT_READ, MAP_PRIVATE | MAP_POPULATE, m_fd, 0);
+  if (address == MAP_FAILED) return ErrnoError("Cannot read", m_path);
+  return MappedBytes(address, length);
+}
+
 Status BinaryFile::WriteAt(std::uint64_t offset, std::string_view data) {
   std::size_t done = 0;
   while (done < data.size()) {
@@ -92,14 +131,19 @@ Status BinaryFile::WriteAt(std::uint64_t offset, std::string_view data) {
 }
 
 Status BinaryFile::Truncate(std::uint64_t length) {
-  if (::ftruncate(m_fd, static_cast<off_t>(length)) != 0) return ErrnoError("Cannot resize", m_path);
+  if (::ftruncate(m_fd, static_cast<off_t>(length)) != 0)
+    return ErrnoError("Cannot resize", m_path);
   return {};
 }
 
-Result<std::string> ReadWholeFile(const std::filesystem::path& path) {
+Result<std::string> ReadWholeFile(const std::filesystem::path& path, std::uint64_t limit) {
   auto file = BinaryFile::Open(path);
   if (!file) return file.error();
   const std::uint64_t size = file->Size();
+  if (size > limit)
+    return Error{"Cannot read " + PathToUtf8(path) + ": it is " + FormatThousands(size) +
+                 " bytes long, more than the " + FormatThousands(limit / (1024 * 1024)) +
+                 " MiB any cartridge image, patch or template can be."};
   std::string bytes = file->ReadAt(0, static_cast<std::size_t>(size));
   if (bytes.size() != size) return Error{"Cannot read all of " + PathToUtf8(path)};
   return bytes;

@@ -158,6 +158,26 @@ std::string EscapeForDisplay(std::string_view bytes, bool escapeBackslash) {
   return out;
 }
 
+std::string EscapeExactly(std::string_view bytes) {
+  static constexpr char kDigits[] = "0123456789ABCDEF";
+  std::string out;
+  out.reserve(bytes.size());
+  while (!bytes.empty()) {
+    const auto u = static_cast<unsigned char>(bytes[0]);
+    std::size_t length = Utf8SequenceLength(bytes);
+    if (length == 0 || u < 0x20 || u == 0x7F || u == '\\') {
+      out += "\\x";
+      out += kDigits[u >> 4];
+      out += kDigits[u & 15];
+      length = 1;
+    } else {
+      out.append(bytes.substr(0, length));
+    }
+    bytes.remove_prefix(length);
+  }
+  return out;
+}
+
 Result<std::string> DecodeHexEscapes(std::string_view text) {
   const auto digit = [](char c) { return c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10; };
   std::string bytes;

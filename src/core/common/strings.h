@@ -46,6 +46,10 @@ std::string Latin1FallbackToUtf8(std::string_view bytes);
 /// Latin1FallbackToUtf8 with control characters (and, unless told otherwise, the backslash,
 /// so DecodeHexEscapes can read it back) written as \xNN: any bytes print as one line.
 std::string EscapeForDisplay(std::string_view bytes, bool escapeBackslash = true);
+/// Stored bytes as one printable line that DecodeHexEscapes reads back exactly: valid UTF-8
+/// is kept, and control characters, the backslash and every byte that is not part of valid
+/// UTF-8 are written as \xNN (where EscapeForDisplay would show such a byte as Latin-1).
+std::string EscapeExactly(std::string_view bytes);
 /// The bytes a text with \xNN escapes stands for (the escapes EscapeForDisplay writes); any
 /// other backslash is an error, so a typing mistake never becomes a stored byte.
 Result<std::string> DecodeHexEscapes(std::string_view text);

@@ -45,8 +45,8 @@ std::vector<std::string> BuildSplitVolumes(std::string_view logical, std::size_t
   return volumes;
 }
 
-Result<std::string> BuildZipArchive(
-    const std::vector<std::pair<std::string, std::string>>& members) {
+Result<std::string> BuildZipArchive(const std::vector<std::pair<std::string, std::string>>& members,
+                                    ArchiveFormat format) {
   using ArchivePtr = std::unique_ptr<archive, decltype(&archive_write_free)>;
   ArchivePtr writer(archive_write_new(), &archive_write_free);
   std::string zip;
@@ -54,7 +54,12 @@ Result<std::string> BuildZipArchive(
     static_cast<std::string*>(target)->append(static_cast<const char*>(data), size);
     return static_cast<la_ssize_t>(size);
   };
-  if (archive_write_set_format_zip(writer.get()) != ARCHIVE_OK ||
+  const int formatSet = format == ArchiveFormat::SevenZip
+                            ? archive_write_set_format_7zip(writer.get())
+                            : archive_write_set_format_zip(writer.get());
+  // No padding to the tape-era block size: the archive ends where its data does.
+  if (formatSet != ARCHIVE_OK ||
+      archive_write_set_bytes_in_last_block(writer.get(), 1) != ARCHIVE_OK ||
       archive_write_open(writer.get(), &zip, nullptr, append, nullptr) != ARCHIVE_OK)
     return Error{std::string("Cannot create a ZIP archive: ") + archive_error_string(writer.get())};
 

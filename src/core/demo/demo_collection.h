@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/common/result.h"
+#include "core/launch/zip_archive.h"
 
 namespace romsteward {
 
@@ -20,7 +21,9 @@ Status WriteDemoCollection(const std::filesystem::path& dir);
 /// data each (the last may be shorter), every one with its own copier header.
 std::vector<std::string> BuildSplitVolumes(std::string_view logical, std::size_t volumeBytes);
 
-/// A ZIP archive (deflated members) of the given names and contents, built in memory.
-Result<std::string> BuildZipArchive(const std::vector<std::pair<std::string, std::string>>& members);
+/// A ZIP archive (deflated members), or a 7z archive, of the given names and contents, built
+/// in memory.
+Result<std::string> BuildZipArchive(const std::vector<std::pair<std::string, std::string>>& members,
+                                    ArchiveFormat format = ArchiveFormat::Zip);
 
 }  // namespace romsteward

@@ -31,20 +31,23 @@ bool StartsWithBytes(const std::filesystem::path& path, std::string_view bytes) 
 Result<ArchivePtr> OpenZip(const std::filesystem::path& path) {
   ArchivePtr reader(archive_read_new(), &archive_read_free);
   if (!reader) return Error{"Out of memory opening " + PathToUtf8(path)};
-  // Both ZIP readers: the one that trusts the central directory, and the streaming one that
-  // still reads an archive whose directory at the end was cut off.
+  // Both ZIP readers (the one that trusts the central directory, and the streaming one that
+  // still reads an archive whose directory at the end was cut off) and the 7z reader; no
+  // other format and no outer compression filter is ever tried on a stranger's file.
   archive_read_support_format_zip(reader.get());
+  archive_read_support_format_7zip(reader.get());
   if (archive_read_open_filename(reader.get(), path.c_str(), 64 * 1024) != ARCHIVE_OK) {
     const char* why = archive_error_string(reader.get());
-    return Error{"Cannot read the ZIP archive " + PathToUtf8(path) + ": " +
-                 (why ? why : "unknown error")};
+    return Error{"Cannot read the " + std::string(ArchiveFormatName(ArchiveFormatOf(path))) +
+                 " archive " + PathToUtf8(path) + ": " + (why ? why : "unknown error")};
   }
   return reader;
 }
 
 std::string ErrorText(archive* reader) {
   const char* why = archive_error_string(reader);
-  return why ? why : "unknown error";
+  // The 7z reader fails a cut-off archive without saying why.
+  return why ? why : "it is damaged or cut short";
 }
 
 std::string MemberName(archive_entry* entry) {
@@ -96,6 +99,10 @@ Result<std::filesystem::path> PrepareTarget(const std::filesystem::path& folder,
   return at;
 }
 
+std::string MemberText(std::string_view kind, std::string_view member) {
+  return "The " + std::string(kind) + " member \"" + std::string(member) + "\"";
+}
+
 std::string LimitText(std::uint64_t limit) {
   return limit % (1024 * 1024) == 0 ? std::to_string(limit / (1024 * 1024)) + " MiB"
                                     : std::to_string(limit) + " bytes";
@@ -103,9 +110,10 @@ std::string LimitText(std::uint64_t limit) {
 
 // Reads the current member's data in pieces into `sink`, within `sizeLimit`, checking that
 // it holds what the archive claims.
-Status ReadCurrent(archive* reader, archive_entry* entry, std::string_view member,
-                   std::uint64_t sizeLimit, const std::function<Status(std::string_view)>& sink) {
-  const std::string quoted = "The ZIP member \"" + std::string(member) + "\"";
+Status ReadCurrent(archive* reader, archive_entry* entry, std::string_view kind,
+                   std::string_view member, std::uint64_t sizeLimit,
+                   const std::function<Status(std::string_view)>& sink) {
+  const std::string quoted = MemberText(kind, member);
   const bool sizeKnown = archive_entry_size_is_set(entry) != 0;
   const auto claimed =
       static_cast<std::uint64_t>(std::max<la_int64_t>(0, archive_entry_size(entry)));
@@ -132,11 +140,12 @@ Status ReadCurrent(archive* reader, archive_entry* entry, std::string_view membe
   return {};
 }
 
-Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view member,
-                      const std::filesystem::path& target, std::uint64_t sizeLimit) {
+Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view kind,
+                      std::string_view member, const std::filesystem::path& target,
+                      std::uint64_t sizeLimit) {
   auto writer = AtomicFileWriter::Create(target);
   if (!writer) return writer.error();
-  if (Status read = ReadCurrent(reader, entry, member, sizeLimit,
+  if (Status read = ReadCurrent(reader, entry, kind, member, sizeLimit,
                                 [&writer](std::string_view data) { return writer->Write(data); });
       !read)
     return read;
@@ -146,11 +155,20 @@ Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view me
 }  // namespace
 
 bool IsZipFile(const std::filesystem::path& path) {
-  return StartsWithBytes(path, "PK");
+  return StartsWithBytes(path, "PK") || StartsWithBytes(path, kSevenZipSignature);
 }
 
 bool HasZipSignature(const std::filesystem::path& path) {
-  return StartsWithBytes(path, std::string_view("PK\x03\x04", 4));
+  return StartsWithBytes(path, std::string_view("PK\x03\x04", 4)) ||
+         StartsWithBytes(path, kSevenZipSignature);
+}
+
+ArchiveFormat ArchiveFormatOf(const std::filesystem::path& path) {
+  return StartsWithBytes(path, kSevenZipSignature) ? ArchiveFormat::SevenZip : ArchiveFormat::Zip;
+}
+
+std::string_view ArchiveFormatName(ArchiveFormat format) {
+  return format == ArchiveFormat::SevenZip ? "7z" : "ZIP";
 }
 
 Result<ZipListing> ListZipEntries(const std::filesystem::path& path, std::string_view masks) {
@@ -187,12 +205,13 @@ Status ReadZipMembers(const std::filesystem::path& path, std::string_view masks,
                       std::uint64_t sizeLimit) {
   auto reader = OpenZip(path);
   if (!reader) return reader.error();
+  const std::string kind(ArchiveFormatName(ArchiveFormatOf(path)));
   archive_entry* entry = nullptr;
   while (true) {
     const int status = archive_read_next_header(reader->get(), &entry);
     if (status == ARCHIVE_EOF) return {};
     if (status < ARCHIVE_WARN)
-      return Error{"The ZIP archive " + PathToUtf8(path) +
+      return Error{"The " + kind + " archive " + PathToUtf8(path) +
                    " is damaged: " + ErrorText(reader->get())};
     const std::string name = MemberName(entry);
     if (archive_entry_filetype(entry) != AE_IFREG || IsLink(entry) || name.empty() ||
@@ -200,7 +219,7 @@ Status ReadZipMembers(const std::filesystem::path& path, std::string_view masks,
       continue;
     std::string bytes;
     Status read =
-        ReadCurrent(reader->get(), entry, name, sizeLimit, [&bytes](std::string_view data) {
+        ReadCurrent(reader->get(), entry, kind, name, sizeLimit, [&bytes](std::string_view data) {
           bytes.append(data);
           return Status{};
         });
@@ -224,9 +243,10 @@ Result<std::vector<std::filesystem::path>> ExtractZipMembers(const std::filesyst
                                                              std::span<const std::string> members,
                                                              const std::filesystem::path& folder,
                                                              std::uint64_t sizeLimit) {
+  const std::string kind(ArchiveFormatName(ArchiveFormatOf(path)));
   for (const std::string& member : members) {
     if (std::string why = UnsafeMemberNameReason(member); !why.empty())
-      return Error{"The ZIP member \"" + member + "\" is refused: " + why + "."};
+      return Error{MemberText(kind, member) + " is refused: " + why + "."};
   }
   std::error_code error;
   if (!std::filesystem::is_directory(folder, error))
@@ -236,25 +256,38 @@ Result<std::vector<std::filesystem::path>> ExtractZipMembers(const std::filesyst
   if (!reader) return reader.error();
   std::vector<std::filesystem::path> extracted(members.size());
   std::vector<bool> done(members.size(), false);
+  // A failure takes back what this call wrote (the member under way included, with the
+  // folders its name created), so the folder is left as it was.
+  std::string underWay;
+  const auto fail = [&](Error why) -> Result<std::vector<std::filesystem::path>> {
+    for (std::size_t i = 0; i < members.size(); ++i) {
+      if (done[i]) (void)RemoveExtractedMember(folder, members[i]);
+    }
+    if (!underWay.empty()) (void)RemoveExtractedMember(folder, underWay);
+    return why;
+  };
   std::size_t remaining = members.size();
   archive_entry* entry = nullptr;
   while (remaining > 0) {
     const int status = archive_read_next_header(reader->get(), &entry);
     if (status == ARCHIVE_EOF) break;
     if (status < ARCHIVE_WARN)
-      return Error{"The ZIP archive " + PathToUtf8(path) +
-                   " is damaged: " + ErrorText(reader->get())};
+      return fail(Error{"The " + kind + " archive " + PathToUtf8(path) +
+                        " is damaged: " + ErrorText(reader->get())});
     const std::string name = MemberName(entry);
     for (std::size_t i = 0; i < members.size(); ++i) {
       if (done[i] || members[i] != name) continue;
       if (IsLink(entry) || archive_entry_filetype(entry) != AE_IFREG)
-        return Error{"The ZIP member \"" + name + "\" is refused: it is a link or no file."};
+        return fail(Error{MemberText(kind, name) + " is refused: it is a link or no file."});
+      underWay = name;
       auto target = PrepareTarget(folder, name);
-      if (!target) return target.error();
-      if (Status written = ExtractCurrent(reader->get(), entry, name, *target, sizeLimit); !written)
-        return written.error();
+      if (!target) return fail(target.error());
+      if (Status written = ExtractCurrent(reader->get(), entry, kind, name, *target, sizeLimit);
+          !written)
+        return fail(written.error());
       extracted[i] = std::move(*target);
       done[i] = true;
+      underWay.clear();
       --remaining;
       // The same name asked twice is the same file: it is only read once.
       for (std::size_t j = i + 1; j < members.size(); ++j) {
@@ -269,8 +302,8 @@ Result<std::vector<std::filesystem::path>> ExtractZipMembers(const std::filesyst
   }
   for (std::size_t i = 0; i < members.size(); ++i) {
     if (!done[i])
-      return Error{"The ZIP archive " + PathToUtf8(path) + " holds no member \"" + members[i] +
-                   "\"."};
+      return fail(Error{"The " + kind + " archive " + PathToUtf8(path) + " holds no member \"" +
+                        members[i] + "\"."});
   }
   return extracted;
 }

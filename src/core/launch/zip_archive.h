@@ -28,10 +28,25 @@ inline constexpr std::string_view kAllFilesMask = "*.*";
 inline constexpr std::string_view kTempFolderMissing =
     "You must set a temporary folder (in 'Options' menu) in order to use ZIP files!";
 
-/// Whether the file starts with "PK": enough for a place to be taken as an archive.
+// ZIP and 7z archives go through the same code: the functions below take either, and their
+// messages name the format ("ZIP" or "7z") of the archive at hand.
+
+/// The archive formats read (and, for the tests and the demo, written).
+enum class ArchiveFormat { Zip, SevenZip };
+
+/// The six bytes every 7z archive starts with.
+inline constexpr std::string_view kSevenZipSignature = "7z\xBC\xAF\x27\x1C";
+
+/// Whether the file starts with "PK" or the 7z signature: enough for a place to be taken as
+/// an archive.
 bool IsZipFile(const std::filesystem::path& path);
-/// Whether the file starts with a ZIP local-file-header signature ("PK", 3, 4).
+/// Whether the file starts with a ZIP local-file-header signature ("PK", 3, 4) or the 7z
+/// signature.
 bool HasZipSignature(const std::filesystem::path& path);
+/// The format of the archive `path` by its first bytes: 7z with the 7z signature, else ZIP.
+ArchiveFormat ArchiveFormatOf(const std::filesystem::path& path);
+/// "ZIP" or "7z", as messages name the format.
+std::string_view ArchiveFormatName(ArchiveFormat format);
 
 /// What a look into an archive found.
 struct ZipListing {
@@ -62,7 +77,8 @@ std::string UnsafeMemberNameReason(std::string_view name);
 /// is missing, a link, unsafely named, larger than kMaxZipMemberSize, or whose data does not
 /// match what the archive claims is refused with a message naming it; each file appears
 /// whole or not at all, and nothing is ever written outside `folder`. `sizeLimit` is
-/// lowered only by tests.
+/// lowered only by tests. When it fails, the members it had already extracted are deleted
+/// again, so a failure leaves `folder` as it was.
 Result<std::vector<std::filesystem::path>> ExtractZipMembers(
     const std::filesystem::path& archive, std::span<const std::string> members,
     const std::filesystem::path& folder, std::uint64_t sizeLimit = kMaxZipMemberSize);

@@ -1,5 +1,6 @@
 #include "core/patch/ips_apply.h"
 
+#include "core/common/binary_file.h"
 #include "core/common/strings.h"
 #include "core/patch/patch_file_dialogs.h"
 
@@ -25,6 +26,11 @@ Result<IpsApplyReport> ApplyIpsFile(const std::filesystem::path& patch,
                                     const std::filesystem::path& image) {
   auto bytes = ReadWholeFile(patch);
   if (!bytes) return bytes.error();
+  // Marked read-only on purpose: kept from the superuser too, as the checksum fix does.
+  std::error_code error;
+  if (std::filesystem::exists(image, error) && !std::filesystem::is_directory(image, error) &&
+      !IsWritableByUser(image))
+    return Error{PathToUtf8(image) + " is read-only; the patch was not applied."};
   auto file = BinaryFile::Open(image, BinaryFile::Mode::ReadWrite);
   if (!file) return file.error();
   return ApplyIps(*bytes, *file, PathToUtf8(patch));

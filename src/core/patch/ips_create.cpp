@@ -2,8 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <optional>
+#include <span>
 #include <system_error>
 
 #include "core/common/atomic_file.h"
@@ -66,6 +69,45 @@ std::size_t NextAgreement(const char* a, const char* b, std::size_t at, std::siz
 
 constexpr std::string_view kNothingWritten = "No patch was written.";
 
+Error BeyondLastOffset(std::uint64_t start) {
+  return Error{fmt::format(
+      "Cannot create the IPS file: the files differ at offset 0x{:X} ({} bytes into the "
+      "file), beyond 0xFFFFFF, the last offset an IPS record can name. {}",
+      start, FormatThousands(start), kNothingWritten)};
+}
+
+// Every run a patch can hold ends before this: it starts at 0xFFFFFF at the latest and is at
+// most 65,535 bytes long. Only this much of each input is held in memory; the rest is compared
+// a block at a time, since any difference there is one no patch can carry.
+constexpr std::uint64_t kPatchableLength = kIpsMaxOffset + 1 + kIpsMaxRecordLength + 1;
+constexpr std::size_t kCompareBlock = 1024 * 1024;
+
+// The first offset from `from` on where the files differ, or nullopt when they agree to the end.
+Result<std::optional<std::uint64_t>> FirstDifferenceFrom(const BinaryFile& a, const BinaryFile& b,
+                                                         std::uint64_t from, std::uint64_t size) {
+  std::string left(kCompareBlock, '\0');
+  std::string right(kCompareBlock, '\0');
+  for (std::uint64_t at = from; at < size;) {
+    // Where both files have a hole, both read as zeros: passed without reading.
+    const std::uint64_t data = std::min(a.NextDataOffset(at), b.NextDataOffset(at));
+    if (data > at) {
+      at = std::min(data, size);
+      continue;
+    }
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(kCompareBlock, size - at));
+    if (a.ReadInto(at, std::span<char>(left.data(), count)) != count)
+      return Error{"Cannot read all of " + PathToUtf8(a.Path()) + ". " +
+                   std::string(kNothingWritten)};
+    if (b.ReadInto(at, std::span<char>(right.data(), count)) != count)
+      return Error{"Cannot read all of " + PathToUtf8(b.Path()) + ". " +
+                   std::string(kNothingWritten)};
+    const std::size_t differs = NextDifference(left.data(), right.data(), 0, count);
+    if (differs < count) return std::optional<std::uint64_t>(at + differs);
+    at += count;
+  }
+  return std::optional<std::uint64_t>();
+}
+
 }  // namespace
 
 Result<IpsPatch> DiffToIps(std::string_view unchanged, std::string_view changed) {
@@ -79,12 +121,7 @@ Result<IpsPatch> DiffToIps(std::string_view unchanged, std::string_view changed)
   for (std::size_t at = NextDifference(u, c, 0, size); at < size;) {
     const std::size_t end = NextAgreement(u, c, at, size);
     std::size_t start = at;
-    if (start > kIpsMaxOffset) {
-      return Error{fmt::format(
-          "Cannot create the IPS file: the files differ at offset 0x{:X} ({} bytes into the "
-          "file), beyond 0xFFFFFF, the last offset an IPS record can name. {}",
-          start, FormatThousands(start), kNothingWritten)};
-    }
+    if (start > kIpsMaxOffset) return BeyondLastOffset(start);
     // The byte before a run is equal, so starting there changes nothing but the offset.
     if (IsEndMarkerOffset(static_cast<std::uint32_t>(start))) --start;
     if (end - start > kIpsMaxRecordLength) {
@@ -135,12 +172,26 @@ Result<IpsPatch> CreateIpsFile(const std::filesystem::path& unchanged,
                    std::string(kNothingWritten)};
     }
   }
-  auto before = ReadWholeFile(unchanged);
+  auto before = BinaryFile::Open(unchanged);
   if (!before) return before.error();
-  auto after = ReadWholeFile(changed);
+  auto after = BinaryFile::Open(changed);
   if (!after) return after.error();
-  auto patch = DiffToIps(*before, *after);
+  const std::uint64_t size = before->Size();
+  if (after->Size() != size) return Error{std::string(kIpsSizeMismatch)};
+
+  // Mapped rather than read: the heads are compared where the page cache holds them.
+  const auto held = static_cast<std::size_t>(std::min(size, kPatchableLength));
+  auto head = before->MapForReading(held);
+  if (!head) return head.error();
+  auto changedHead = after->MapForReading(held);
+  if (!changedHead) return changedHead.error();
+  if (head->View().size() != held || changedHead->View().size() != held)
+    return Error{"Cannot read all of the files to compare. " + std::string(kNothingWritten)};
+  auto patch = DiffToIps(head->View(), changedHead->View());
   if (!patch) return patch;
+  auto beyond = FirstDifferenceFrom(*before, *after, held, size);
+  if (!beyond) return beyond.error();
+  if (*beyond) return BeyondLastOffset(**beyond);
   if (Status written = WriteIpsOverExisting(output, patch->bytes); !written) {
     return written.error();
   }

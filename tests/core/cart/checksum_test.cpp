@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "core/cart/convert.h"
 #include "core/cart/detect.h"
 #include "core/cart/interleave.h"
@@ -44,6 +46,28 @@ TEST_F(CalcChecksumTest, EveryLayoutGivesTheSumOfTheLogicalImage) {
     // The last volume is shorter; 0x000-0x1FF is left out of the first volume only.
     const auto stem = PathOf("set" + std::to_string(logical.size()));
     EXPECT_EQ(Sum(test::WriteSplitSet(stem, logical, 48 * 1024)[0]).value(), expected);
+  }
+}
+
+TEST_F(CalcChecksumTest, HolesOfSparseFilesSumAsZeros) {
+  // Data, a long run of zeros left as a hole, data again, and a hole up to the end.
+  std::string logical = test::MakeCartridge(2 * 1024 * 1024, 5);
+  std::fill(logical.begin() + 48 * 1024, logical.end() - 80 * 1024, '\0');
+  std::fill(logical.end() - 16 * 1024, logical.end(), '\0');
+  for (const Layout layout : {Layout::Bin, Layout::Smd, Layout::Md}) {
+    const std::string image = EncodeImage(logical, layout);
+    const auto path = PathOf("sparse");
+    test::WriteTestFile(path, "");
+    auto file = BinaryFile::Open(path, BinaryFile::Mode::ReadWrite);
+    ASSERT_TRUE(file.ok());
+    ASSERT_TRUE(file->Truncate(image.size()).ok());
+    for (std::size_t at = 0; at < image.size(); at += 4096) {
+      const std::string_view page = std::string_view(image).substr(at, 4096);
+      if (page.find_first_not_of('\0') != std::string_view::npos) {
+        ASSERT_TRUE(file->WriteAt(at, page).ok());
+      }
+    }
+    EXPECT_EQ(Sum(path).value(), ReferenceChecksum(logical)) << LayoutCode(layout);
   }
 }
 

@@ -22,6 +22,13 @@ TEST(Latin1FallbackToUtf8, KeepsValidUtf8AndReadsOtherBytesAsLatin1) {
 TEST(DisplayText, ControlBytesBecomeHexAndPathsJoinWithOneSeparator) {
   EXPECT_EQ(EscapeForDisplay("a\0b\x1F\\"sv), "a\\x00b\\x1F\\x5C");
   EXPECT_EQ(EscapeForDisplay("\xFF"), "\xC3\xBF");
+  // Stored values read back exactly: a byte outside valid UTF-8 is escaped, not shown as
+  // Latin-1 (found by fuzzing: "caf\xC3)" came back as "caf\xC3\x83)").
+  for (const std::string_view bytes : {"caf\xC3)\n"sv, "\xC3\xA9\\\0\xFF"sv}) {
+    EXPECT_EQ(DecodeHexEscapes(EscapeExactly(bytes)).value(), bytes);
+    EXPECT_EQ(EscapeExactly(bytes).find('\n'), std::string::npos);
+  }
+  EXPECT_EQ(EscapeExactly("\xC3\xA9\xC3)"), "\xC3\xA9\\xC3)");
   // One separator between folder and name.
   EXPECT_EQ(JoinDirName("/roms", "a.bin"), "/roms/a.bin");
   EXPECT_EQ(JoinDirName("/roms/", "a.bin"), "/roms/a.bin");

@@ -141,6 +141,61 @@ TEST_F(ZipArchiveTest, DamagedArchiveListsWhatCanBeRead) {
   EXPECT_TRUE(garbage->names.empty() && !garbage->damage.empty());
 }
 
+TEST_F(ZipArchiveTest, DuplicatedNamesAndAFailureHalfWayLeaveNothingBehind) {
+  // Two members of one name: the first is the one listed first and the one extracted.
+  const auto twice = Archive(Zip({{"a.bin", "first"}, {"a.bin", "second"}}));
+  EXPECT_THAT(ListZipEntries(twice, kRomMasks)->names, ElementsAre("a.bin", "a.bin"));
+  ASSERT_TRUE(ExtractZipMember(twice, "a.bin", folder).ok());
+  EXPECT_EQ(test::ReadTestFile(folder / "a.bin"), "first");
+  ASSERT_TRUE(RemoveExtractedMember(folder, "a.bin").ok());
+
+  // The second member is a bomb: the first, already written, is taken back.
+  const auto path =
+      Archive(Zip({{"sub/ok.bin", "fine"}, {"deep/bomb.bin", std::string(1 << 20, 'z')}}));
+  const std::vector<std::string> both = {"sub/ok.bin", "deep/bomb.bin"};
+  EXPECT_FALSE(ExtractZipMembers(path, both, folder, 64 * 1024).ok());
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+}
+
+TEST_F(ZipArchiveTest, SevenZipArchivesGoThroughTheSameCode) {
+  auto built = BuildZipArchive({{"a.bin", "alpha"},
+                                {"sub/b.smd", "beta"},
+                                {"c.txt", "gamma"},
+                                {"../evil.bin", "x"},
+                                {"bomb.md", std::string(1 << 20, '\0')}},
+                               ArchiveFormat::SevenZip);
+  ASSERT_TRUE(built.ok()) << built.error().message;
+  const auto path = Archive(*built, "a.7z");
+  EXPECT_TRUE(IsZipFile(path) && HasZipSignature(path));
+  EXPECT_EQ(ArchiveFormatOf(path), ArchiveFormat::SevenZip);
+  EXPECT_EQ(ArchiveFormatOf(Archive(Zip({{"a.bin", "x"}}))), ArchiveFormat::Zip);
+
+  auto listing = ListZipEntries(path, kRomMasks);
+  ASSERT_TRUE(listing.ok());
+  EXPECT_THAT(listing->names, ElementsAre("a.bin", "sub/b.smd", "../evil.bin", "bomb.md"));
+  EXPECT_EQ(listing->damage, "");
+  auto extracted = ExtractZipMember(path, "sub/b.smd", folder);
+  ASSERT_TRUE(extracted.ok()) << extracted.error().message;
+  EXPECT_EQ(test::ReadTestFile(*extracted), "beta");
+  ASSERT_TRUE(RemoveExtractedMember(folder, "sub/b.smd").ok());
+
+  EXPECT_EQ(ExtractZipMember(path, "../evil.bin", folder).error().message,
+            "The 7z member \"../evil.bin\" is refused: its name leads out of the folder it is "
+            "extracted to.");
+  EXPECT_THAT(ExtractZipMember(path, "bomb.md", folder, 64 * 1024).error().message,
+              HasSubstr("The 7z member \"bomb.md\""));
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+
+  // Garbage after a valid signature, and an archive cut short, are damage, not a crash.
+  const std::string signature(kSevenZipSignature);
+  auto garbage = ListZipEntries(Archive(signature + std::string(100, '\x42'), "g.7z"), kRomMasks);
+  EXPECT_TRUE(garbage.ok() && garbage->names.empty() && !garbage->damage.empty());
+  const auto cut = Archive(built->substr(0, built->size() / 2), "cut.7z");
+  EXPECT_FALSE(ListZipEntries(cut, kRomMasks)->damage.empty());
+  EXPECT_THAT(ExtractZipMember(cut, "a.bin", folder).error().message, HasSubstr("7z archive"));
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+}
+
 TEST(ArchiveLibraryVersion, AnOutdatedLibraryIsReported) {
   test::ScriptedHost host;
   CheckArchiveLibraryVersion(host, 3006002);

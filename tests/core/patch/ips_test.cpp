@@ -1,7 +1,11 @@
+#include <fmt/format.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <random>
 
+#include "core/common/binary_file.h"
 #include "core/patch/ips_apply.h"
 #include "core/patch/ips_create.h"
 #include "core/patch/ips_format.h"
@@ -14,6 +18,7 @@ namespace {
 
 using test::Bytes;
 using test::PromptKind;
+using ::testing::HasSubstr;
 
 std::string Diff(const std::string& unchanged, const std::string& changed) {
   auto patch = DiffToIps(unchanged, changed);
@@ -104,6 +109,27 @@ TEST_F(IpsFiles, CreateWritesOverAnExistingFileKeepingItsTailButNeverOverAnInput
   EXPECT_FALSE(CreateIpsFile(unchanged, changed, changed).ok());
   EXPECT_EQ(test::ReadTestFile(changed), "0123x56789");
   EXPECT_EQ(DefaultIpsName("/roms.d/SONIC"), "/roms.d/SONIC.ips");
+}
+
+TEST_F(IpsFiles, LargeInputsAreComparedPastWhatIsHeld) {
+  // Sparse 40 MiB files: only the first 16 MiB + 64 KiB are held, the rest is compared in
+  // blocks, and a difference there is refused by its offset.
+  const auto make = [this](const char* name, std::optional<std::uint64_t> at) {
+    const auto path = Put(name, "");
+    std::filesystem::resize_file(path, 40u << 20);
+    auto file = BinaryFile::Open(path, BinaryFile::Mode::ReadWrite);
+    EXPECT_TRUE(file.ok() && (!at || file->WriteAt(*at, "!").ok()));
+    return path;
+  };
+  const auto base = make("base.bin", std::nullopt);
+  auto patch = CreateIpsFile(base, make("last.bin", 0xFFFFFF), PathOf("last.ips"));
+  ASSERT_TRUE(patch.ok()) << patch.error().message;
+  EXPECT_EQ(patch->records, 1u);
+  for (const std::uint64_t beyond : {0x1000000ull + 0x10000, 39ull << 20}) {
+    auto refused = CreateIpsFile(base, make("far.bin", beyond), PathOf("far.ips"));
+    EXPECT_THAT(refused.error().message, HasSubstr(fmt::format("differ at offset 0x{:X}", beyond)));
+  }
+  EXPECT_FALSE(std::filesystem::exists(PathOf("far.ips")));
 }
 
 class IpsApply : public test::ByteFileTest {
