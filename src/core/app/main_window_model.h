@@ -11,6 +11,7 @@
 #include "core/library/rom_scan.h"
 #include "core/library/rom_sort.h"
 #include "core/settings/emulator_options.h"
+#include "core/settings/general_settings.h"
 
 namespace romsteward {
 
@@ -42,6 +43,11 @@ inline constexpr std::string_view kSplittedVolume = "Splitted volume";
 inline constexpr std::string_view kRenameFirstVolume =
     "Multi-part volumes should have their respective order number as the file extension. "
     "Romsteward can't work without this standard. Ok to rename current ROM?";
+inline constexpr std::string_view kFirstRunNotice =
+    "This is the first time you run Genesis Romsteward. Click on Options menu, item 'Search "
+    "<emulator's name>' to specify the emulator's directory";
+/// The choices "Force another language" puts in "Country:".
+inline constexpr std::string_view kForcedCountries[] = {"USA", "Europe", "Japan"};
 /// The picture shown for a cartridge that has none of its own, in the program's directory.
 inline constexpr std::string_view kDefaultPicture = "romsteward.jpg";
 
@@ -64,6 +70,16 @@ public:
   void LoadListChoices();
   /// Reads the history from `dir0` ... `dir4` and opens `dir0` when there is one.
   void LoadDirHistory();
+
+  /// The whole start-up: the list choices and the options menu's checks, the first-run
+  /// notice when no emulator is known (`Genemnew` is not asked), then the history, which
+  /// opens `dir0`.
+  void Start();
+  /// Closing the window: the options when "Save Settings on E&xit" is checked, then the
+  /// window's position, always. A store that cannot be written is reported.
+  void Close(WindowPosition position);
+  /// The general choices as the menus show them now.
+  GeneralSettings General() const;
 
   // The place.
   const std::string& Diret() const { return m_diret; }
@@ -88,6 +104,23 @@ public:
   void SetTemporaryDirectory();  ///< "Set temporary directory..."
   /// "&Activated" of the preview menu: switches the preview picture on or off.
   void TogglePreview();
+
+  // The options menu.
+  void SaveThisCartridge();            ///< "Save Settings for &This Cartridge"
+  void DeleteThisCartridgeSettings();  ///< "&Delete Settings of This Cartridge"
+  void ToggleSaveAllCartridges();      ///< "Save Settings for All &Cartridges": nothing written
+  void ToggleSaveOnExit();             ///< "Save Settings on E&xit": `savex` written at once
+  void ToggleMinimizeInTray();         ///< "Minimize in Tray": kept by the general save
+  void SaveGeneralSettingsNow();       ///< "Save General Settings &Now"
+  void DeleteGeneralSettingsNow();     ///< "Delete &General Settings"
+
+  // The file menu and dropping; each refreshes the list when the place changed.
+  void CopySelected();    ///< "Copy...", an archive member unpacked first
+  void MoveSelected();    ///< "Move..."
+  void DeleteSelected();  ///< "Delete...", to the trash unless Shift is held
+  void RenameSelected();  ///< "&Rename..."
+  /// Files dropped on the list (nullopt: what was dropped is no file list).
+  void DropFiles(const std::optional<std::vector<std::string>>& dropped);
 
   ListFilter Filter() const;
   SortOrder Order() const;
@@ -116,6 +149,23 @@ public:
   const EmulatorOptions& Options() const { return m_options; }
   EmulatorOptions& Options() { return m_options; }
 
+  /// "Enable Z80" and "Fake Z80" are never on together: checking one clears the other.
+  void SetEnableZ80(bool on);
+  void SetFakeZ80(bool on);
+  /// "Disable &Joypad"; "Calibrate Joystick" is enabled exactly while it is off.
+  void SetDisableJoypad(bool on);
+
+  /// "Force another language": "Country:" offers exactly USA, Europe and Japan.
+  void ForceAnotherLanguage();
+  /// The chosen entry of "Country:"; 0 after every selection.
+  int CountryIndex() const { return m_countryIndex; }
+  void ChooseCountry(int index);
+  /// The chosen country's text, as the launch passes it on.
+  std::string CountryText() const;
+  /// "Additional Comand-line:".
+  const std::string& ExtraCommandLine() const { return m_extraCommandLine; }
+  void SetExtraCommandLine(std::string text) { m_extraCommandLine = std::move(text); }
+
   /// The delete button beside "Saved Games:": deletes the file of entry `index` of cmbSave
   /// through the file operations and rebuilds the list. A heading is refused with "You can't
   /// Delete a file type".
@@ -136,6 +186,8 @@ private:
   void FillFromDirectory();
   void FillFromZip();
   void SaveDirHistory();
+  void ApplyListUpdate(bool refresh, bool removeSelected);
+  void ReportStatus(const Status& status);
 
   Host& m_host;
   AppSettings& m_settings;
@@ -146,6 +198,8 @@ private:
   WindowTexts m_texts;
   WindowControls m_controls;
   EmulatorOptions m_options;
+  int m_countryIndex = 0;
+  std::string m_extraCommandLine;
   std::unique_ptr<FileOperations> m_ownOperations;
   FileOperations& m_operations;
 };
