@@ -34,7 +34,7 @@ done
 [ -n "$window" ] || { echo "screenshot: the window did not appear" >&2; exit 1; }
 sleep 1
 # Select a cartridge so the panel shows what a user sees: the third entry of the list.
-DISPLAY=$display xdotool mousemove --window "$window" 60 80 click 1
+DISPLAY=$display xdotool mousemove --window "$window" 60 36 click 1
 DISPLAY=$display xdotool key --window "$window" Down Down
 sleep 1
 DISPLAY=$display import -window "$window" "$out"

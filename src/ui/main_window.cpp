@@ -91,7 +91,7 @@ MainWindow::MainWindow(Host& host, AppSettings& settings, FileOperations& operat
           });
   auto* rescan = new QShortcut(QKeySequence(Qt::Key_F5), this);
   connect(rescan, &QShortcut::activated, this, [this] { Run([this] { m_model.RefreshRomList(); }); });
-  resize(820, 470);
+  resize(820, 440);
 }
 
 MainWindow::~MainWindow() = default;
