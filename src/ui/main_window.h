@@ -74,6 +74,7 @@ private:
   void BuildMenus();
   QMenu* BuildDirectoryMenu();
   QMenu* BuildFileMenu();
+  QMenu* BuildToolsMenu();
   QMenu* BuildOptionsMenu();
   QMenu* BuildHelpMenu();
   QAction* AddCommand(QMenu* menu, const QString& caption, std::string name,

@@ -36,6 +36,7 @@ void MainWindow::BuildMenus() {
   QMenuBar* bar = menuBar();
   bar->addMenu(BuildDirectoryMenu());
   bar->addMenu(BuildFileMenu());
+  bar->addMenu(BuildToolsMenu());
   bar->addMenu(BuildOptionsMenu());
   m_helpMenu = BuildHelpMenu();
   bar->addMenu(m_helpMenu);
@@ -91,6 +92,20 @@ QMenu* MainWindow::BuildFileMenu() {
   AddCommand(menu, "Move...", "mnu_move", &MainWindowModel::MoveSelected);
   AddCommand(menu, "Delete...", "mnu_delete", &MainWindowModel::DeleteSelected);
   AddCommand(menu, "&Rename...", "mnu_ren", &MainWindowModel::RenameSelected);
+  return menu;
+}
+
+QMenu* MainWindow::BuildToolsMenu() {
+  auto* menu = new QMenu("&Tools", this);
+  BindAction(menu->menuAction(), "mnu_tool");
+  connect(menu, &QMenu::aboutToShow, this, [this] { Run([this] { m_model.OpenToolsMenu(); }); });
+  AddCommand(menu, "Check CRC", "mnu_crc", &MainWindowModel::CheckSelectedCrc);
+  AddCommand(menu, "R&estore CRC", "mnu_getcrc", &MainWindowModel::RestoreSelectedCrc);
+  menu->addSeparator();
+  AddCommand(menu, "Convert IPS to Dynamic Patch...", "mnu_ips2dyn",
+             &MainWindowModel::ConvertIpsToDynamicPatches);
+  AddCommand(menu, "Remove dynamic patches...", "mnu_tirapatch",
+             &MainWindowModel::RemoveDynamicPatches);
   return menu;
 }
 

@@ -4,11 +4,14 @@
 
 #include <system_error>
 
+#include "core/cart/checksum_commands.h"
 #include "core/common/strings.h"
 #include "core/host/app_title.h"
 #include "core/host/host.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"
+#include "core/patch/dynamic_patches.h"
+#include "core/patch/patch_commands.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/option_commands.h"
 #include "core/tools/file_commands.h"
@@ -132,6 +135,40 @@ void MainWindowModel::ChooseCountry(int index) {
 std::string MainWindowModel::CountryText() const {
   const auto index = static_cast<std::size_t>(m_countryIndex);
   return index < m_texts.cmbCartLang.size() ? m_texts.cmbCartLang[index] : std::string();
+}
+
+void MainWindowModel::OpenToolsMenu() {
+  m_controls["mnu_getcrc"].enabled =
+      m_selection.has_value() && IsRestoreCrcEnabled(m_settings, SelectedText());
+}
+
+void MainWindowModel::CheckSelectedCrc() {
+  if (!m_selection || IsZipListing()) return;
+  CheckCrc(m_host, m_settings, SelectedPath(), SelectedText());
+}
+
+void MainWindowModel::RestoreSelectedCrc() {
+  if (!m_selection || IsZipListing()) return;
+  RestoreCrc(m_host, m_settings, SelectedPath(), SelectedText());
+}
+
+void MainWindowModel::ConvertIpsToDynamicPatches() {
+  if (!m_selection || IsZipListing()) return;
+  ConvertIpsToDynamicPatchesCommand(m_host, m_settings.Store(), SelectedPath(), SelectedText(),
+                                    m_diret);
+  FollowPatches();
+}
+
+void MainWindowModel::RemoveDynamicPatches() {
+  if (!m_selection || IsZipListing()) return;
+  RemoveDynamicPatchesCommand(m_host, m_settings.Store(), SelectedText());
+  FollowPatches();
+}
+
+// "Activate dynamic patch" is offered while the cartridge has patches and can be written.
+void MainWindowModel::FollowPatches() {
+  const bool writable = m_texts.txtarquivo != kReadOnlyArchive;
+  m_controls["chkIPS"].enabled = writable && HasDynamicPatches(m_settings.Store(), SelectedText());
 }
 
 void MainWindowModel::ApplyListUpdate(bool refresh, bool removeSelected) {

@@ -122,6 +122,15 @@ public:
   /// Files dropped on the list (nullopt: what was dropped is no file list).
   void DropFiles(const std::optional<std::vector<std::string>>& dropped);
 
+  // The tools menu.
+  /// Opening "&Tools": "R&estore CRC" is enabled exactly when the selection has a kept
+  /// checksum.
+  void OpenToolsMenu();
+  void CheckSelectedCrc();    ///< "Check CRC", with progress
+  void RestoreSelectedCrc();  ///< "R&estore CRC"
+  void ConvertIpsToDynamicPatches();  ///< "Convert IPS to Dynamic Patch..."
+  void RemoveDynamicPatches();        ///< "Remove dynamic patches..."
+
   ListFilter Filter() const;
   SortOrder Order() const;
 
@@ -188,6 +197,7 @@ private:
   void SaveDirHistory();
   void ApplyListUpdate(bool refresh, bool removeSelected);
   void ReportStatus(const Status& status);
+  void FollowPatches();
 
   Host& m_host;
   AppSettings& m_settings;

@@ -129,5 +129,25 @@ TEST_F(MainWindowCommandsTest, FileCommandsAndDropsRefreshTheList) {
   EXPECT_EQ(model.Selection(), std::nullopt);
 }
 
+TEST_F(MainWindowCommandsTest, RestoreCrcIsOfferedExactlyWhileAChecksumIsKept) {
+  const std::string dir = MakeDir("roms");
+  CartridgeSpec wrong;
+  wrong.wrongChecksum = true;
+  Put(dir, "bad.bin", ImageBytes(Layout::Bin, wrong));
+  ASSERT_TRUE(model.SetDiret(dir));
+  model.Select(0);
+  model.OpenToolsMenu();
+  EXPECT_FALSE(model.Controls()["mnu_getcrc"].enabled);
+
+  host.AnswerQuestionBox(kEscolhaCancel);  // "&Fix 'n Save" keeps the old one
+  model.CheckSelectedCrc();
+  model.OpenToolsMenu();
+  EXPECT_TRUE(model.Controls()["mnu_getcrc"].enabled);
+  host.AnswerYesNo(Answer::Yes);
+  model.RestoreSelectedCrc();
+  model.OpenToolsMenu();
+  EXPECT_FALSE(model.Controls()["mnu_getcrc"].enabled);
+}
+
 }  // namespace
 }  // namespace romsteward
