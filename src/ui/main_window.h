@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -77,6 +78,9 @@ private:
   QMenu* BuildToolsMenu();
   QMenu* BuildOptionsMenu();
   QMenu* BuildHelpMenu();
+  /// A submenu over a two-element radio array of the model (`arrayName(0)`, `(1)`).
+  void AddRadioMenu(QMenu* parent, const QString& caption, std::string menuName,
+                    std::string_view arrayName, std::function<void(int)> choose);
   QAction* AddCommand(QMenu* menu, const QString& caption, std::string name,
                       void (MainWindowModel::*command)());
   void Run(const std::function<void()>& command);

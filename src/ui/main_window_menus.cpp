@@ -32,6 +32,20 @@ QAction* MainWindow::AddCommand(QMenu* menu, const QString& caption, std::string
   return action;
 }
 
+void MainWindow::AddRadioMenu(QMenu* parent, const QString& caption, std::string menuName,
+                              std::string_view arrayName, std::function<void(int)> choose) {
+  QMenu* menu = parent->addMenu(caption);
+  BindAction(menu->menuAction(), std::move(menuName));
+  // The check marks come from the model, so the actions are not grouped.
+  for (int i = 0; i < 2; ++i) {
+    QAction* item = menu->addAction(QString());
+    item->setCheckable(true);
+    BindAction(item, ElementName(arrayName, i));
+    connect(item, &QAction::triggered, this,
+            [this, choose, i] { Run([choose, i] { choose(i); }); });
+  }
+}
+
 void MainWindow::BuildMenus() {
   QMenuBar* bar = menuBar();
   bar->addMenu(BuildDirectoryMenu());
@@ -56,29 +70,10 @@ QMenu* MainWindow::BuildDirectoryMenu() {
   }
   menu->addSeparator();
 
-  // Radio arrays: the check marks come from the model, so the actions are not grouped.
-  auto* show = menu->addMenu("Sho&w");
-  BindAction(show->menuAction(), "mnu_show");
-  const ListFilter filters[] = {ListFilter::AllFiles, ListFilter::RomFiles};
-  for (int i = 0; i < 2; ++i) {
-    QAction* item = show->addAction(QString());
-    item->setCheckable(true);
-    BindAction(item, ElementName("mnu_showsub", i));
-    const ListFilter filter = filters[i];
-    connect(item, &QAction::triggered, this,
-            [this, filter] { Run([this, filter] { m_model.ChooseFilter(filter); }); });
-  }
-  auto* sort = menu->addMenu("&Sort ROMs by");
-  BindAction(sort->menuAction(), "mnu_sort");
-  const SortOrder orders[] = {SortOrder::Name, SortOrder::Type};
-  for (int i = 0; i < 2; ++i) {
-    QAction* item = sort->addAction(QString());
-    item->setCheckable(true);
-    BindAction(item, ElementName("mnu_sortsub", i));
-    const SortOrder order = orders[i];
-    connect(item, &QAction::triggered, this,
-            [this, order] { Run([this, order] { m_model.ChooseSort(order); }); });
-  }
+  AddRadioMenu(menu, "Sho&w", "mnu_show", "mnu_showsub",
+               [this](int i) { m_model.ChooseFilter(static_cast<ListFilter>(i)); });
+  AddRadioMenu(menu, "&Sort ROMs by", "mnu_sort", "mnu_sortsub",
+               [this](int i) { m_model.ChooseSort(static_cast<SortOrder>(i)); });
   menu->addSeparator();
   QAction* exit = menu->addAction("E&xit");
   connect(exit, &QAction::triggered, this, &QWidget::close);
@@ -128,15 +123,8 @@ QMenu* MainWindow::BuildOptionsMenu() {
     AddCommand(menu, "Minimize in Tray", "mnu_tray", &MainWindowModel::ToggleMinimizeInTray)
         ->setCheckable(true);
   }
-  auto* title = menu->addMenu("Window's title");
-  BindAction(title->menuAction(), "mnuNomeCapt");
-  for (int i = 0; i < 2; ++i) {
-    QAction* item = title->addAction(QString());
-    item->setCheckable(true);
-    BindAction(item, ElementName("mnuTitle", i));
-    connect(item, &QAction::triggered, this,
-            [this, i] { Run([this, i] { m_model.ChooseTitle(i); }); });
-  }
+  AddRadioMenu(menu, "Window's title", "mnuNomeCapt", "mnuTitle",
+               [this](int i) { m_model.ChooseTitle(i); });
   menu->addSeparator();
   AddCommand(menu, "Set temporary directory...", "mnu_settemp",
              &MainWindowModel::SetTemporaryDirectory);
