@@ -50,8 +50,8 @@ struct Place {
   std::unique_ptr<AppSettings> settings;
 
   Place() {
-    store = std::move(RegistryStore::Open(Utf8ToPath(dir.filePath("s.sqlite3").toStdString())))
-                .value();
+    store =
+        std::move(RegistryStore::Open(Utf8ToPath(dir.filePath("s.sqlite3").toStdString()))).value();
     settings = std::make_unique<AppSettings>(*store);
     (void)settings->SaveSetting(kSectionSettings, "dir0", Folder());
     (void)settings->SaveSetting(kSectionSettings, "Genem", "/games/genem.exe");

@@ -85,25 +85,24 @@ QWidget* EmulatorTabs::BuildGenEm() {
                            &EmulatorOptions::useGenNew),
                   0, 0);
   grid->addWidget(FrameSkip(tab, m_slidGen, m_genFrames, &EmulatorOptions::genFrameSkip), 0, 1);
-  grid->addWidget(AddCheck(tab, "Check1", "Disable &Joypad", "Disable PC-joypad support",
-                           &EmulatorOptions::disableJoypad,
-                           [this](bool on) { m_model.SetDisableJoypad(on); }),
-                  1, 0);
+  grid->addWidget(
+      AddCheck(tab, "Check1", "Disable &Joypad", "Disable PC-joypad support",
+               &EmulatorOptions::disableJoypad, [this](bool on) { m_model.SetDisableJoypad(on); }),
+      1, 0);
   grid->addWidget(AddCheck(tab, "Check2", "Disable &Sound", "Disable all sound",
                            &EmulatorOptions::disableSound),
                   1, 1);
-  grid->addWidget(AddCheck(tab, "Check3", "Enable Z80",
-                           "Enable Z80 Co-processor emulation needed for sound",
-                           &EmulatorOptions::enableZ80,
-                           [this](bool on) { m_model.SetEnableZ80(on); }),
-                  2, 0);
+  grid->addWidget(
+      AddCheck(tab, "Check3", "Enable Z80", "Enable Z80 Co-processor emulation needed for sound",
+               &EmulatorOptions::enableZ80, [this](bool on) { m_model.SetEnableZ80(on); }),
+      2, 0);
   grid->addWidget(
       AddCheck(tab, "Check4", "Fake Z80",
                "Fake the Z80 coprocessor emulation so the games that require it run anyway",
                &EmulatorOptions::fakeZ80, [this](bool on) { m_model.SetFakeZ80(on); }),
       2, 1);
-  grid->addWidget(AddCheck(tab, "chkmodex", "320x240 resolution",
-                           "Use ModeX,  a slower video mode", &EmulatorOptions::modeX),
+  grid->addWidget(AddCheck(tab, "chkmodex", "320x240 resolution", "Use ModeX,  a slower video mode",
+                           &EmulatorOptions::modeX),
                   3, 0);
   grid->setRowStretch(4, 1);
   return tab;
@@ -113,8 +112,7 @@ QWidget* EmulatorTabs::BuildKGen() {
   auto* tab = new QWidget(this);
   auto* layout = new QVBoxLayout(tab);
   layout->addWidget(FrameSkip(tab, m_slidK, m_kFrames, &EmulatorOptions::kgenFrameSkip));
-  layout->addWidget(AddCheck(tab, "chkKSom", "Disable Sound",
-                             "Disable all sound, but not the Z80",
+  layout->addWidget(AddCheck(tab, "chkKSom", "Disable Sound", "Disable all sound, but not the Z80",
                              &EmulatorOptions::kgenDisableSound));
   layout->addStretch(1);
   return tab;
@@ -170,8 +168,8 @@ QWidget* EmulatorTabs::BuildGenecyst() {
   grid->addWidget(rate, 0, 0, 1, 3);
   int cell = 0;
   for (const Spec& spec : kChecks) {
-    grid->addWidget(AddCheck(tab, spec.name, spec.caption, spec.tooltip, spec.member),
-                    1 + cell / 3, cell % 3);
+    grid->addWidget(AddCheck(tab, spec.name, spec.caption, spec.tooltip, spec.member), 1 + cell / 3,
+                    cell % 3);
     ++cell;
   }
   grid->setRowStretch(1 + (cell + 2) / 3, 1);

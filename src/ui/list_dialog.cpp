@@ -10,8 +10,7 @@
 
 namespace romsteward::ui {
 
-ListDialog::ListDialog(const QString& title, const std::vector<std::string>& items,
-                       QWidget* parent)
+ListDialog::ListDialog(const QString& title, const std::vector<std::string>& items, QWidget* parent)
     : QDialog(parent) {
   setWindowTitle(title);
   QStringList texts;

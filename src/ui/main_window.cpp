@@ -47,7 +47,9 @@ QLabel* PanelField(QWidget* parent, const char* name) {
 
 MainWindow::MainWindow(Host& host, AppSettings& settings, FileOperations& operations,
                        QWidget* parent)
-    : QMainWindow(parent), m_host(host), m_settings(settings),
+    : QMainWindow(parent),
+      m_host(host),
+      m_settings(settings),
       m_model(host, settings, &operations) {
   setObjectName("launch");
   m_listModel = new RomListModel(m_model, this);
@@ -79,9 +81,8 @@ MainWindow::MainWindow(Host& host, AppSettings& settings, FileOperations& operat
           [this](const QModelIndex& current) {
             if (m_rendering) return;
             Run([this, current] {
-              m_model.Select(current.isValid()
-                                 ? std::optional<std::size_t>(current.row())
-                                 : std::nullopt);
+              m_model.Select(current.isValid() ? std::optional<std::size_t>(current.row())
+                                               : std::nullopt);
             });
           });
   connect(m_listView, &RomListView::launchRequested, this, &MainWindow::launchRequested);
@@ -90,7 +91,8 @@ MainWindow::MainWindow(Host& host, AppSettings& settings, FileOperations& operat
             Run([this, paths] { m_model.DropFiles(paths); });
           });
   auto* rescan = new QShortcut(QKeySequence(Qt::Key_F5), this);
-  connect(rescan, &QShortcut::activated, this, [this] { Run([this] { m_model.RefreshRomList(); }); });
+  connect(rescan, &QShortcut::activated, this,
+          [this] { Run([this] { m_model.RefreshRomList(); }); });
   resize(820, 440);
 }
 
@@ -123,7 +125,8 @@ QWidget* MainWindow::BuildPanel() {
   form->addRow("Saved Games:", saves);
   connect(m_cmdDeletaSave, &QPushButton::clicked, this, [this] {
     const int index = m_cmbSave->currentIndex();
-    if (index >= 0) Run([this, index] { m_model.DeleteSavedGame(static_cast<std::size_t>(index)); });
+    if (index >= 0)
+      Run([this, index] { m_model.DeleteSavedGame(static_cast<std::size_t>(index)); });
   });
 
   m_tabs = new EmulatorTabs(m_model, panel);

@@ -26,9 +26,8 @@ QAction* MainWindow::AddCommand(QMenu* menu, const QString& caption, std::string
                                 void (MainWindowModel::*command)()) {
   QAction* action = menu->addAction(caption);
   if (!name.empty()) BindAction(action, std::move(name));
-  connect(action, &QAction::triggered, this, [this, command] { Run([this, command] {
-            (m_model.*command)();
-          }); });
+  connect(action, &QAction::triggered, this,
+          [this, command] { Run([this, command] { (m_model.*command)(); }); });
   return action;
 }
 

@@ -20,8 +20,7 @@ FileOperationResult TrashFileOperations::Run(const FileOperationRequest& request
       result.reason = PathToUtf8(source) + " is not a file";
       return result;
     }
-    const std::string question =
-        "Move '" + PathToUtf8(source.filename()) + "' to the trash?";
+    const std::string question = "Move '" + PathToUtf8(source.filename()) + "' to the trash?";
     if (host.AskYesNo(question, MessageIcon::Question, {}) != Answer::Yes) {
       result.code = FileOpCode::Cancelled;
       result.aborted = true;

@@ -1,4 +1,6 @@
 // The window shows what the app model says and hands clicks and keys to its commands.
+#include "ui/main_window.h"
+
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
@@ -11,7 +13,6 @@
 
 #include "core/host/app_title.h"
 #include "ui/emulator_tabs.h"
-#include "ui/main_window.h"
 #include "ui/qt_text.h"
 #include "ui/rom_list_view.h"
 #include "ui/trash_file_operations.h"
@@ -75,8 +76,7 @@ private slots:
       QCOMPARE(f.window.Country()->currentText(), ToQt(texts.cmbCartLang.front()));
       QCOMPARE(f.window.Country()->isEnabled(), f.model().Controls()["cmbCartLang"].enabled);
       VerifyMenus(f);
-      const QString tip =
-          f.window.List()->model()->index(row, 0).data(Qt::ToolTipRole).toString();
+      const QString tip = f.window.List()->model()->index(row, 0).data(Qt::ToolTipRole).toString();
       QCOMPARE(tip, ToQt(f.model().Entries()[static_cast<std::size_t>(row)]));
     }
   }
@@ -128,8 +128,10 @@ private slots:
     f.window.Action("mnu_ren")->trigger();
     QVERIFY(std::find(f.model().Entries().begin(), f.model().Entries().end(), "Renamed.bin") !=
             f.model().Entries().end());
-    QVERIFY(f.window.List()->model()->match(f.window.List()->model()->index(0, 0),
-                                             Qt::DisplayRole, "Renamed.bin").size() == 1);
+    QVERIFY(f.window.List()
+                ->model()
+                ->match(f.window.List()->model()->index(0, 0), Qt::DisplayRole, "Renamed.bin")
+                .size() == 1);
   }
 
   void ClosingSavesThePosition() {

@@ -1,4 +1,6 @@
 // The Qt Host answers what the user pressed in each of its dialogs.
+#include "ui/qt_host.h"
+
 #include <QApplication>
 #include <QInputDialog>
 #include <QLineEdit>
@@ -9,7 +11,6 @@
 #include <QTest>
 
 #include "ui/list_dialog.h"
-#include "ui/qt_host.h"
 #include "ui/question_dialog.h"
 #include "ui_test_support.h"
 

@@ -41,7 +41,8 @@ std::optional<std::string> RecordingHost::AskText(std::string_view prompt, std::
 }
 
 Sandbox::Sandbox() {
-  m_store = std::move(RegistryStore::Open(Utf8ToPath(Path("settings.sqlite3").toStdString())).value());
+  m_store =
+      std::move(RegistryStore::Open(Utf8ToPath(Path("settings.sqlite3").toStdString())).value());
   m_settings = std::make_unique<AppSettings>(*m_store);
   (void)WriteDemoCollection(Utf8ToPath(Demo()));
   // A known emulator: no first-run notice in the way.

@@ -1,9 +1,8 @@
 // The main window's start-up and closing, the options menu, the option rules and the file
 // menu: thin commands over the settings and tools subsystems.
-#include "core/app/main_window_model.h"
-
 #include <system_error>
 
+#include "core/app/main_window_model.h"
 #include "core/cart/checksum_commands.h"
 #include "core/common/strings.h"
 #include "core/host/app_title.h"
@@ -183,8 +182,8 @@ void MainWindowModel::ApplyListUpdate(bool refresh, bool removeSelected) {
 void MainWindowModel::CopySelected() {
   if (!m_selection) return;
   TempFolderExtractor extractor(m_settings);
-  const ListUpdate update = CopyRom(m_host, m_operations, m_diret, SelectedText(),
-                                    IsZipListing() ? &extractor : nullptr);
+  const ListUpdate update =
+      CopyRom(m_host, m_operations, m_diret, SelectedText(), IsZipListing() ? &extractor : nullptr);
   ApplyListUpdate(update.refresh, update.removeSelected);
 }
 

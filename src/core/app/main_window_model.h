@@ -126,8 +126,8 @@ public:
   /// Opening "&Tools": "R&estore CRC" is enabled exactly when the selection has a kept
   /// checksum.
   void OpenToolsMenu();
-  void CheckSelectedCrc();    ///< "Check CRC", with progress
-  void RestoreSelectedCrc();  ///< "R&estore CRC"
+  void CheckSelectedCrc();            ///< "Check CRC", with progress
+  void RestoreSelectedCrc();          ///< "R&estore CRC"
   void ConvertIpsToDynamicPatches();  ///< "Convert IPS to Dynamic Patch..."
   void RemoveDynamicPatches();        ///< "Remove dynamic patches..."
 
