@@ -47,10 +47,7 @@ QLabel* PanelField(QWidget* parent, const char* name) {
 
 MainWindow::MainWindow(Host& host, AppSettings& settings, FileOperations& operations,
                        QWidget* parent)
-    : QMainWindow(parent),
-      m_host(host),
-      m_settings(settings),
-      m_model(host, settings, &operations) {
+    : QMainWindow(parent), m_host(host), m_model(host, settings, &operations) {
   setObjectName("launch");
   m_listModel = new RomListModel(m_model, this);
   m_listView = new RomListView(this);

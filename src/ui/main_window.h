@@ -91,7 +91,6 @@ private:
   void HideToTray();
 
   Host& m_host;
-  AppSettings& m_settings;
   MainWindowModel m_model;
   RomListModel* m_listModel = nullptr;
   RomListView* m_listView = nullptr;

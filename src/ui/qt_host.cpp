@@ -1,5 +1,7 @@
 #include "ui/qt_host.h"
 
+#include <algorithm>
+
 #include <QApplication>
 #include <QFileDialog>
 #include <QGuiApplication>

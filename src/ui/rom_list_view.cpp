@@ -39,9 +39,6 @@ void RomListView::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Enter:
       if (currentIndex().isValid()) emit launchRequested();
       return;
-    case Qt::Key_F5:
-      emit rescanRequested();
-      return;
     default:
       QListView::keyPressEvent(event);
   }

@@ -7,9 +7,9 @@
 
 namespace romsteward::ui {
 
-/// The list's own ways with keys and the mouse: Enter and a double click ask for a launch,
-/// F5 for a rescan, a right click selects before anything else, entries are dragged out only
-/// with Shift or Ctrl held, and files dropped from a file manager are handed on.
+/// The list's own ways with keys and the mouse: Enter and a double click ask for a launch, a
+/// right click selects before anything else, entries are dragged out only with Shift or Ctrl
+/// held, and files dropped from a file manager are handed on. (F5 belongs to the window.)
 class RomListView : public QListView {
   Q_OBJECT
 public:
@@ -17,7 +17,6 @@ public:
 
 signals:
   void launchRequested();
-  void rescanRequested();
   /// nullopt when what was dropped is not a list of local files.
   void filesDropped(const std::optional<std::vector<std::string>>& paths);
 

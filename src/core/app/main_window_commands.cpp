@@ -1,7 +1,5 @@
 // The main window's start-up and closing, the options menu, the option rules and the file
 // menu: thin commands over the settings and tools subsystems.
-#include <system_error>
-
 #include "core/app/main_window_model.h"
 #include "core/cart/checksum_commands.h"
 #include "core/common/strings.h"
