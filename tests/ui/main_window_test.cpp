@@ -8,8 +8,10 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QSlider>
 #include <QTest>
 #include <fstream>
+#include <set>
 
 #include "core/host/app_title.h"
 #include "ui/emulator_tabs.h"
@@ -132,6 +134,42 @@ private slots:
                 ->model()
                 ->match(f.window.List()->model()->index(0, 0), Qt::DisplayRole, "Renamed.bin")
                 .size() == 1);
+  }
+
+  // Each option control changes one option of its own, and Load shows it back.
+  void EveryOptionControlIsBoundToItsOwnOption() {
+    Fixture f;
+    const auto stored = [&f] {
+      std::vector<std::string> values;
+      for (std::string_view key : OptionKeys())
+        values.push_back(*OptionText(f.model().Options(), key));
+      return values;
+    };
+    std::set<std::size_t> changedKeys;
+    const QList<QCheckBox*> boxes = f.window.Tabs()->findChildren<QCheckBox*>();
+    QCOMPARE(boxes.size(), 17);
+    for (QCheckBox* box : boxes) {
+      const std::vector<std::string> before = stored();
+      box->click();
+      const std::vector<std::string> after = stored();
+      std::size_t changed = 0;
+      for (std::size_t i = 0; i < before.size(); ++i) {
+        if (before[i] != after[i] && changedKeys.insert(i).second) ++changed;
+      }
+      QVERIFY2(changed >= 1, qPrintable(box->objectName()));
+    }
+    f.window.Tabs()->GenSlider()->setValue(7);
+    f.window.Tabs()->KSlider()->setValue(9);
+    f.window.Tabs()->SoundRate()->setCurrentIndex(0);
+    QCOMPARE(f.model().Options().genFrameSkip, 7);
+    QCOMPARE(f.model().Options().kgenFrameSkip, 9);
+    QCOMPARE(f.model().Options().cystSoundRate, 0);
+
+    f.model().Options() = EmulatorOptions{};
+    f.window.Render();
+    QVERIFY(f.window.Tabs()->Check("Check1")->isChecked());
+    QCOMPARE(f.window.Tabs()->GenSlider()->value(), 2);
+    QCOMPARE(f.window.Tabs()->SoundRate()->currentIndex(), 2);
   }
 
   void ClosingSavesThePosition() {
