@@ -116,6 +116,7 @@ QWidget* MainWindow::BuildPanel() {
   m_cmdDeletaSave = new QPushButton("Delete", info);
   m_cmdDeletaSave->setObjectName("cmdDeletaSave");
   m_cmdDeletaSave->setToolTip("Delete the chosen saved game");
+  BindButton(m_cmdDeletaSave, "cmdDeletaSave");
   auto* saves = new QHBoxLayout;
   saves->addWidget(m_cmbSave, 1);
   saves->addWidget(m_cmdDeletaSave);
@@ -134,6 +135,7 @@ QWidget* MainWindow::BuildPanel() {
   m_cmbCartLang->setToolTip("Game main country lock");
   m_cmdForce = new QPushButton("Force another language", panel);
   m_cmdForce->setObjectName("CmdForce");
+  BindButton(m_cmdForce, "CmdForce");
   m_chkIPS = new QCheckBox("Activate dynamic patch", panel);
   m_chkIPS->setObjectName("chkIPS");
   m_txtCmd = new QLineEdit(panel);
@@ -196,6 +198,12 @@ void MainWindow::Render() {
     if (action->isCheckable()) action->setChecked(state.checked);
     action->setVisible(state.visible);
   }
+  for (const auto& [button, name] : m_boundButtons) {
+    const ControlState& state = m_model.Controls()[name];
+    if (!state.caption.empty()) button->setText(ToQt(state.caption));
+    button->setEnabled(state.enabled);
+    button->setVisible(state.visible);
+  }
   m_rendering = false;
 }
 
@@ -235,10 +243,8 @@ void MainWindow::RenderPanel() {
   }
   SetItems(m_cmbSave, texts.cmbSave, texts.cmbSave.empty() ? -1 : 0);
   m_cmbSave->setEnabled(controls["cmbSave"].enabled);
-  m_cmdDeletaSave->setEnabled(controls["cmdDeletaSave"].enabled);
   SetItems(m_cmbCartLang, texts.cmbCartLang, m_model.CountryIndex());
   m_cmbCartLang->setEnabled(controls["cmbCartLang"].enabled);
-  m_cmdForce->setEnabled(controls["CmdForce"].enabled);
   {
     const QSignalBlocker blocker(m_chkIPS);
     m_chkIPS->setChecked(m_model.Options().activateDynamicPatch);
@@ -251,6 +257,10 @@ void MainWindow::RenderPanel() {
 
 void MainWindow::BindAction(QAction* action, std::string name) {
   m_bound.emplace_back(action, std::move(name));
+}
+
+void MainWindow::BindButton(QAbstractButton* button, std::string name) {
+  m_boundButtons.emplace_back(button, std::move(name));
 }
 
 void MainWindow::InsertMenu(QMenu* menu) {

@@ -7,6 +7,7 @@
 
 #include "core/app/main_window_model.h"
 
+class QAbstractButton;
 class QAction;
 class QCheckBox;
 class QComboBox;
@@ -48,6 +49,9 @@ public:
   /// Gives `action` the caption, enabled, checked and visible state of the model's control
   /// `name` at every Render; a command added later (a launch, the favorites) binds this way.
   void BindAction(QAction* action, std::string name);
+  /// The same for a button ("Run this game!" is `CmdLaunch`); an empty model caption keeps
+  /// the button's own.
+  void BindButton(QAbstractButton* button, std::string name);
   /// Puts a menu before Help (the favorites menu).
   void InsertMenu(QMenu* menu);
   /// The row under the tab strip where "Run this game!" belongs.
@@ -110,6 +114,7 @@ private:
   QMenu* m_helpMenu = nullptr;
   QSystemTrayIcon* m_tray = nullptr;
   std::vector<std::pair<QAction*, std::string>> m_bound;
+  std::vector<std::pair<QAbstractButton*, std::string>> m_boundButtons;
   bool m_rendering = false;
 };
 

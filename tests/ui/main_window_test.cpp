@@ -77,6 +77,8 @@ private slots:
       QCOMPARE(f.window.SavedGames()->count(), static_cast<int>(texts.cmbSave.size()));
       QCOMPARE(f.window.Country()->currentText(), ToQt(texts.cmbCartLang.front()));
       QCOMPARE(f.window.Country()->isEnabled(), f.model().Controls()["cmbCartLang"].enabled);
+      QCOMPARE(f.window.findChild<QPushButton*>("cmdDeletaSave")->isEnabled(),
+               f.model().Controls()["cmdDeletaSave"].enabled);
       VerifyMenus(f);
       const QString tip = f.window.List()->model()->index(row, 0).data(Qt::ToolTipRole).toString();
       QCOMPARE(tip, ToQt(f.model().Entries()[static_cast<std::size_t>(row)]));
