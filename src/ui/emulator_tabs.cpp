@@ -137,13 +137,13 @@ QWidget* EmulatorTabs::BuildGenecyst() {
     m_model.Options().cystSoundRate = index;
     Changed();
   });
-  struct Spec {
+  struct GenecystCheck {
     const char* name;
     const char* caption;
     const char* tooltip;
     bool EmulatorOptions::*member;
   };
-  static constexpr Spec kChecks[] = {
+  static constexpr GenecystCheck kChecks[] = {
       {"cystvsync", "Wait V. sync", "Wait for the vertical sync to draw frames",
        &EmulatorOptions::cystWaitVsync},
       {"cystskip", "CPU skipper",
@@ -167,9 +167,9 @@ QWidget* EmulatorTabs::BuildGenecyst() {
   };
   grid->addWidget(rate, 0, 0, 1, 3);
   int cell = 0;
-  for (const Spec& spec : kChecks) {
-    grid->addWidget(AddCheck(tab, spec.name, spec.caption, spec.tooltip, spec.member), 1 + cell / 3,
-                    cell % 3);
+  for (const GenecystCheck& check : kChecks) {
+    grid->addWidget(AddCheck(tab, check.name, check.caption, check.tooltip, check.member),
+                    1 + cell / 3, cell % 3);
     ++cell;
   }
   grid->setRowStretch(1 + (cell + 2) / 3, 1);
