@@ -4,6 +4,9 @@ PRESET ?= default
 BUILD_DIR := build/$(PRESET)
 DEMO_DIR := build/demo
 TOOL := $(BUILD_DIR)/src/cli/romsteward-tool
+DESKTOP := $(BUILD_DIR)/src/ui/romsteward
+# The desktop program's settings for `make run`, so a developer's own stay untouched.
+RUN_SETTINGS := build/run-settings.sqlite3
 
 # Debian packages the project builds and tests with.
 DEB_PACKAGES := cmake ninja-build g++ pkg-config \
@@ -12,12 +15,17 @@ DEB_PACKAGES := cmake ninja-build g++ pkg-config \
 DEB_PACKAGES += libpugixml-dev zlib1g-dev libssl-dev
 # The emulators and the virtual display the launch smoke tests run.
 DEB_PACKAGES += blastem mednafen xvfb xauth
+# The desktop program and its Qt tests.
+DEB_PACKAGES += qt6-base-dev
+# What tools/screenshot.sh needs besides the build.
+SCREENSHOT_PACKAGES := xvfb xauth imagemagick xdotool
 
 # Warnings are errors wherever CI runs.
 CMAKE_FLAGS := $(if $(CI),-DROMSTEWARD_WERROR=ON,)
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
 .PHONY: deps configure build test run bench format clean
+.PHONY: screenshot
 
 deps:
 	@missing=""; \
@@ -43,6 +51,12 @@ test: deps build
 run: deps build
 	@[ -d $(DEMO_DIR) ] || $(TOOL) demo $(DEMO_DIR)
 	$(TOOL) info $(DEMO_DIR)/*
+	@$(TOOL) --settings $(RUN_SETTINGS) settings set Settings dir0 "$(CURDIR)/$(DEMO_DIR)" > /dev/null
+	$(DESKTOP) --settings $(RUN_SETTINGS)
+
+screenshot: deps build
+	$(MAKE) deps DEB_PACKAGES="$(SCREENSHOT_PACKAGES)"
+	tools/screenshot.sh $(BUILD_DIR)
 
 bench: deps build
 	@for b in $(BUILD_DIR)/bench/*_bench; do [ -x "$$b" ] && "$$b"; done

@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "core/app/main_window_model.h"
 #include "core/common/strings.h"
 #include "core/host/app_title.h"
@@ -15,7 +13,7 @@ LaunchRequest MainWindowModel::LaunchRequestForSelection() const {
   request.zipListing = IsZipListing();
   request.entryText = SelectedText();
   request.options = m_options;
-  request.country = Country();
+  request.country = CountryText();
   request.extraCommandLine = m_extraCommandLine;
   // The general checks are read as they stand now: another window may have changed them.
   request.general = LoadGeneralSettings(m_settings);
@@ -30,37 +28,6 @@ LaunchRequest MainWindowModel::CalibrationRequest() const {
 
 void MainWindowModel::LaunchFinished(const LaunchCommand& launch) {
   if (launch.Succeeded() && m_selection) FillSavedGames();
-}
-
-std::string MainWindowModel::Country() const {
-  const auto& choices = m_texts.cmbCartLang;
-  if (std::find(choices.begin(), choices.end(), m_country) != choices.end()) return m_country;
-  return choices.empty() ? std::string() : choices.front();
-}
-
-void MainWindowModel::SetCountry(std::string_view country) {
-  m_country = country;
-}
-
-void MainWindowModel::ForceAnotherLanguage() {
-  m_texts.cmbCartLang = romsteward::ForceAnotherLanguage();
-  m_controls["cmbCartLang"].enabled = true;
-  m_country = m_texts.cmbCartLang.front();
-}
-
-void MainWindowModel::SetEnableZ80(bool checked) {
-  m_options.enableZ80 = checked;
-  if (checked) m_options.fakeZ80 = false;
-}
-
-void MainWindowModel::SetFakeZ80(bool checked) {
-  m_options.fakeZ80 = checked;
-  if (checked) m_options.enableZ80 = false;
-}
-
-void MainWindowModel::SetDisableJoypad(bool checked) {
-  m_options.disableJoypad = checked;
-  m_controls["CmdCalib"].enabled = !checked;
 }
 
 void MainWindowModel::ExecuteExtraCommandLine(DetachedStarter& starter) {

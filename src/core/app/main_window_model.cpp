@@ -236,6 +236,8 @@ void MainWindowModel::SyncSelection() {
   if (selected == m_currentFileName) return;
   m_currentFileName = selected;
   ShowRomInfo();
+  m_countryIndex = 0;
+  m_controls["CmdCalib"].enabled = !m_options.disableJoypad;
 }
 
 std::string MainWindowModel::TooltipForRow(long row) const {

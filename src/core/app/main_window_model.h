@@ -14,6 +14,7 @@
 #include "core/library/rom_scan.h"
 #include "core/library/rom_sort.h"
 #include "core/settings/emulator_options.h"
+#include "core/settings/general_settings.h"
 
 namespace romsteward {
 
@@ -72,6 +73,16 @@ public:
   /// Reads the history from `dir0` ... `dir4` and opens `dir0` when there is one.
   void LoadDirHistory();
 
+  /// The whole start-up: the list choices and the options menu's checks, the first-run
+  /// notice when no emulator is known (`Genemnew` is not asked), then the history, which
+  /// opens `dir0`.
+  void Start();
+  /// Closing the window: the options when "Save Settings on E&xit" is checked, then the
+  /// window's position, always. A store that cannot be written is reported.
+  void Close(WindowPosition position);
+  /// The general choices as the menus show them now.
+  GeneralSettings General() const;
+
   // The place.
   const std::string& Diret() const { return m_diret; }
   /// The validating setter: a directory or a ZIP archive becomes the place and is scanned;
@@ -95,6 +106,32 @@ public:
   void SetTemporaryDirectory();  ///< "Set temporary directory..."
   /// "&Activated" of the preview menu: switches the preview picture on or off.
   void TogglePreview();
+
+  // The options menu.
+  void SaveThisCartridge();            ///< "Save Settings for &This Cartridge"
+  void DeleteThisCartridgeSettings();  ///< "&Delete Settings of This Cartridge"
+  void ToggleSaveAllCartridges();      ///< "Save Settings for All &Cartridges": nothing written
+  void ToggleSaveOnExit();             ///< "Save Settings on E&xit": `savex` written at once
+  void ToggleMinimizeInTray();         ///< "Minimize in Tray": kept by the general save
+  void SaveGeneralSettingsNow();       ///< "Save General Settings &Now"
+  void DeleteGeneralSettingsNow();     ///< "Delete &General Settings"
+
+  // The file menu and dropping; each refreshes the list when the place changed.
+  void CopySelected();    ///< "Copy...", an archive member unpacked first
+  void MoveSelected();    ///< "Move..."
+  void DeleteSelected();  ///< "Delete...", to the trash unless Shift is held
+  void RenameSelected();  ///< "&Rename..."
+  /// Files dropped on the list (nullopt: what was dropped is no file list).
+  void DropFiles(const std::optional<std::vector<std::string>>& dropped);
+
+  // The tools menu.
+  /// Opening "&Tools": "R&estore CRC" is enabled exactly when the selection has a kept
+  /// checksum.
+  void OpenToolsMenu();
+  void CheckSelectedCrc();            ///< "Check CRC", with progress
+  void RestoreSelectedCrc();          ///< "R&estore CRC"
+  void ConvertIpsToDynamicPatches();  ///< "Convert IPS to Dynamic Patch..."
+  void RemoveDynamicPatches();        ///< "Remove dynamic patches..."
 
   ListFilter Filter() const;
   SortOrder Order() const;
@@ -131,22 +168,26 @@ public:
   LaunchRequest CalibrationRequest() const;
   /// After a launch's Complete: the saved-games list is built again when the run succeeded.
   void LaunchFinished(const LaunchCommand& launch);
-  /// The country chosen in "Country:"; one of cmbCartLang's entries (its first by default).
-  std::string Country() const;
-  void SetCountry(std::string_view country);
-  /// "Force another language": "Country:" holds exactly USA, Europe, Japan.
-  void ForceAnotherLanguage();
-  /// The rules between options: "Enable Z80" and "Fake Z80" clear each other; "Calibrate
-  /// Joystick" is enabled exactly while "Disable &Joypad" is unchecked.
-  void SetEnableZ80(bool checked);
-  void SetFakeZ80(bool checked);
-  void SetDisableJoypad(bool checked);
-  /// "Additional Comand-line:" (`txtCmd`).
-  const std::string& ExtraCommandLine() const { return m_extraCommandLine; }
-  void SetExtraCommandLine(std::string_view text) { m_extraCommandLine = text; }
-  /// ENTER in the field: its text starts as a program of its own, not waited for, and the
-  /// field is emptied. A failure to start is shown.
+  /// ENTER in "Additional Comand-line:": its text starts as a program of its own, not waited
+  /// for, and the field is emptied. A failure to start is shown.
   void ExecuteExtraCommandLine(DetachedStarter& starter);
+
+  /// "Enable Z80" and "Fake Z80" are never on together: checking one clears the other.
+  void SetEnableZ80(bool on);
+  void SetFakeZ80(bool on);
+  /// "Disable &Joypad"; "Calibrate Joystick" is enabled exactly while it is off.
+  void SetDisableJoypad(bool on);
+
+  /// "Force another language": "Country:" offers exactly USA, Europe and Japan.
+  void ForceAnotherLanguage();
+  /// The chosen entry of "Country:"; 0 after every selection.
+  int CountryIndex() const { return m_countryIndex; }
+  void ChooseCountry(int index);
+  /// The chosen country's text, as the launch passes it on.
+  std::string CountryText() const;
+  /// "Additional Comand-line:".
+  const std::string& ExtraCommandLine() const { return m_extraCommandLine; }
+  void SetExtraCommandLine(std::string text) { m_extraCommandLine = std::move(text); }
 
   /// The delete button beside "Saved Games:": deletes the file of entry `index` of cmbSave
   /// through the file operations and rebuilds the list. A heading is refused with "You can't
@@ -195,6 +236,9 @@ private:
   void FillFromDirectory();
   void FillFromZip();
   void SaveDirHistory();
+  void ApplyListUpdate(bool refresh, bool removeSelected);
+  void ReportStatus(const Status& status);
+  void FollowPatches();
 
   Host& m_host;
   AppSettings& m_settings;
@@ -205,7 +249,7 @@ private:
   WindowTexts m_texts;
   WindowControls m_controls;
   EmulatorOptions m_options;
-  std::string m_country;
+  int m_countryIndex = 0;
   std::string m_extraCommandLine;
   std::vector<std::string> m_favoriteMenu;
   LaunchStep m_launchStep;

@@ -40,6 +40,10 @@ constexpr InitialControl kInitialControls[] = {
     {"mnuTitle(0)", "Overseas name", true},
     {"mnuTitle(1)", "Domestic name"},
     {"mnu_lista", "Create ROM List..."},
+    // The options menu's checks, loaded at start-up.
+    {"mnu_savcart", "Save Settings for All &Cartridges"},
+    {"mnu_save", "Save Settings on E&xit"},
+    {"mnu_tray", "Minimize in Tray"},
     // Items that follow the selection.
     {"mnu_savthiscart", "Save Settings for &This Cartridge"},
     {"mnu_addfav", "&Add to favorites..."},
@@ -68,11 +72,11 @@ constexpr InitialControl kInitialControls[] = {
     {"BtnImagem", ""},
     {"CmdLaunch", "Run this game!"},
     {"chkIPS", "Activate dynamic patch"},
+    {"CmdForce", "Force another language"},
+    {"CmdCalib", "Calibrate Joystick"},
     {"cmdDeletaSave", ""},
     {"cmbSave", ""},
     {"cmbCartLang", ""},
-    {"CmdCalib", "Calibrate Joystick"},
-    {"CmdForce", "Force another language"},
 };
 
 }  // namespace

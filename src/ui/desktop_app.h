@@ -1,0 +1,10 @@
+#pragma once
+
+namespace romsteward::ui {
+
+/// The desktop program: `romsteward [--settings FILE]`. Opens the settings (FILE, else
+/// $ROMSTEWARD_SETTINGS, else the user's own), shows the main window and runs until it
+/// closes. Returns the exit status.
+int RunDesktop(int argc, char** argv);
+
+}  // namespace romsteward::ui

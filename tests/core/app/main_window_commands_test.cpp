@@ -1,0 +1,153 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "core/app/main_window_model.h"
+#include "core/library/place.h"
+#include "core/settings/option_commands.h"
+#include "support/place_fixture.h"
+
+namespace romsteward {
+namespace {
+
+using ::testing::ElementsAre;
+
+class MainWindowCommandsTest : public test::PlaceTest {
+protected:
+  std::string Collection() {
+    const std::string dir = MakeDir("roms");
+    Put(dir, "alpha.bin", ImageBytes(Layout::Bin));
+    Put(dir, "beta.smd", ImageBytes(Layout::Smd));
+    return dir;
+  }
+  std::size_t Notices() const {
+    std::size_t count = 0;
+    for (const test::HostEvent& event : host.Events())
+      count += event.text == kFirstRunNotice ? 1 : 0;
+    return count;
+  }
+
+  MainWindowModel model{host, settings};
+};
+
+TEST_F(MainWindowCommandsTest, StartUpReadsTheChecksShowsTheNoticeAndOpensTheLastPlace) {
+  const std::string dir = Collection();
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "dir0", dir));
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "savex", "True"));
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "tray", "True"));
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "frm", "5"));
+  // GenEmnew alone is no known emulator.
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "Genemnew", "/games/gennew.exe"));
+  model.Start();
+  EXPECT_EQ(Notices(), 1u);
+  EXPECT_TRUE(model.Controls()["mnu_save"].checked);
+  EXPECT_FALSE(model.Controls()["mnu_savcart"].checked);
+  EXPECT_TRUE(model.Controls()["mnu_tray"].checked);
+  EXPECT_EQ(model.Options().genFrameSkip, 5);
+  EXPECT_EQ(model.Diret(), dir);
+  EXPECT_THAT(model.Entries(), ElementsAre("alpha.bin", "beta.smd"));
+
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "KGen", "/games/kgen.exe"));
+  MainWindowModel again(host, settings);
+  again.Start();
+  EXPECT_EQ(Notices(), 1u);
+}
+
+TEST_F(MainWindowCommandsTest, ClosingSavesAsTheExitChecksSayAndAlwaysThePosition) {
+  model.Start();
+  model.Options().genFrameSkip = 7;
+  model.Close({12, 34});
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "LaunchX"), "12");
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "frm"), "");
+
+  model.ToggleSaveOnExit();
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "savex"), "True");
+  model.ChooseTitle(1);
+  model.Close({0, 0});
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "frm"), "7");
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "title"), "1");
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "LaunchY"), "0");
+}
+
+TEST_F(MainWindowCommandsTest, OptionRulesAndTheForcedCountries) {
+  model.SetFakeZ80(true);
+  EXPECT_FALSE(model.Options().enableZ80);
+  model.SetEnableZ80(true);
+  EXPECT_TRUE(model.Options().enableZ80);
+  EXPECT_FALSE(model.Options().fakeZ80);
+  model.SetEnableZ80(false);
+  EXPECT_FALSE(model.Options().fakeZ80);  // both may be off
+
+  model.SetDisableJoypad(false);
+  EXPECT_TRUE(model.Controls()["CmdCalib"].enabled);
+  model.SetDisableJoypad(true);
+  EXPECT_FALSE(model.Controls()["CmdCalib"].enabled);
+
+  model.ForceAnotherLanguage();
+  model.ForceAnotherLanguage();
+  EXPECT_THAT(model.Texts().cmbCartLang, ElementsAre("USA", "Europe", "Japan"));
+  EXPECT_TRUE(model.Controls()["cmbCartLang"].enabled);
+  model.ChooseCountry(2);
+  model.ChooseCountry(3);  // out of range: ignored
+  EXPECT_EQ(model.CountryText(), "Japan");
+}
+
+TEST_F(MainWindowCommandsTest, SavingAndDeletingTheCartridgesSettings) {
+  ASSERT_TRUE(model.SetDiret(Collection()));
+  model.Select(0);
+  model.Options().kgenFrameSkip = 4;
+  model.SaveThisCartridge();
+  EXPECT_EQ(settings.GetSetting(kSectionCartridge, "alpha.bin.kfrm"), "4");
+  model.DeleteThisCartridgeSettings();
+  EXPECT_EQ(settings.GetSetting(kSectionCartridge, "alpha.bin.kfrm"), "");
+  EXPECT_EQ(settings.GetSetting(kSectionCartridge, "alpha.bin.gnew"), "0");  // kept on purpose
+  model.DeleteThisCartridgeSettings();
+  EXPECT_EQ(host.Events().back().text, kDeleteSettingsError);
+}
+
+TEST_F(MainWindowCommandsTest, FileCommandsAndDropsRefreshTheList) {
+  const std::string dir = Collection();
+  ASSERT_TRUE(model.SetDiret(dir));
+  model.Select(1);
+  host.AnswerText("gamma.smd");
+  model.RenameSelected();
+  EXPECT_THAT(model.Entries(), ElementsAre("alpha.bin", "gamma.smd"));
+
+  const std::string outside = MakeDir("elsewhere");
+  const std::string dropped = Put(outside, "delta.md", ImageBytes(Layout::Md));
+  model.DropFiles(std::vector<std::string>{dropped});
+  EXPECT_THAT(model.Entries(), ElementsAre("alpha.bin", "delta.md", "gamma.smd"));
+  EXPECT_TRUE(PathExists(dropped, PathKind::File));  // copied, not moved
+
+  model.DropFiles(std::nullopt);
+  EXPECT_EQ(host.Events().back().text, "You can only drop files! Action cancelled.");
+
+  model.Select(0);
+  host.SetShiftHeld(true);
+  host.AnswerYesNo(Answer::Yes);
+  model.DeleteSelected();
+  EXPECT_THAT(model.Entries(), ElementsAre("delta.md", "gamma.smd"));
+  EXPECT_EQ(model.Selection(), std::nullopt);
+}
+
+TEST_F(MainWindowCommandsTest, RestoreCrcIsOfferedExactlyWhileAChecksumIsKept) {
+  const std::string dir = MakeDir("roms");
+  CartridgeSpec wrong;
+  wrong.wrongChecksum = true;
+  Put(dir, "bad.bin", ImageBytes(Layout::Bin, wrong));
+  ASSERT_TRUE(model.SetDiret(dir));
+  model.Select(0);
+  model.OpenToolsMenu();
+  EXPECT_FALSE(model.Controls()["mnu_getcrc"].enabled);
+
+  host.AnswerQuestionBox(kEscolhaCancel);  // "&Fix 'n Save" keeps the old one
+  model.CheckSelectedCrc();
+  model.OpenToolsMenu();
+  EXPECT_TRUE(model.Controls()["mnu_getcrc"].enabled);
+  host.AnswerYesNo(Answer::Yes);
+  model.RestoreSelectedCrc();
+  model.OpenToolsMenu();
+  EXPECT_FALSE(model.Controls()["mnu_getcrc"].enabled);
+}
+
+}  // namespace
+}  // namespace romsteward

@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Takes docs/screenshot-main.png: the desktop program on the demo collection, under Xvfb,
+# with settings kept in the build folder so a developer's own are never touched.
+# Usage: tools/screenshot.sh [BUILD_DIR]   (default build/default)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=${1:-build/default}
+tool=$build/src/cli/romsteward-tool
+program=$build/src/ui/romsteward
+work=$build/screenshot
+out=docs/screenshot-main.png
+display=:${SCREENSHOT_DISPLAY:-97}
+
+rm -rf "$work" && mkdir -p "$work"
+"$tool" demo "$work/demo" > /dev/null
+settings=$work/settings.sqlite3
+for pair in "dir0 $PWD/$work/demo" "LaunchX 0" "LaunchY 0" "Genem /usr/games/genem"; do
+  "$tool" --settings "$settings" settings set Settings ${pair%% *} "${pair#* }" > /dev/null
+done
+
+Xvfb "$display" -screen 0 1024x700x24 -nolisten tcp > /dev/null 2>&1 &
+xvfb=$!
+trap 'kill "$program_pid" "$xvfb" 2> /dev/null || true' EXIT
+program_pid=
+for _ in $(seq 50); do [ -e "/tmp/.X11-unix/X${display#:}" ] && break; sleep 0.1; done
+
+DISPLAY=$display QT_QPA_PLATFORM=xcb "$program" --settings "$settings" &
+program_pid=$!
+window=
+for _ in $(seq 100); do
+  window=$(DISPLAY=$display xdotool search --name '^Genesis Romsteward' 2> /dev/null | head -n1) && [ -n "$window" ] && break
+  sleep 0.1
+done
+[ -n "$window" ] || { echo "screenshot: the window did not appear" >&2; exit 1; }
+sleep 1
+# Select a cartridge so the panel shows what a user sees: the third entry of the list.
+DISPLAY=$display xdotool mousemove --window "$window" 60 36 click 1
+DISPLAY=$display xdotool key --window "$window" Down Down
+sleep 1
+DISPLAY=$display import -window "$window" "$out"
+echo "Wrote $out"
