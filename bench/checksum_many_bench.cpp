@@ -2,9 +2,6 @@
 // files into /dev/null: the goal is at most twice cat's time (counter x_cat). Both run from
 // the page cache, each timed by the wall clock of its own runs.
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -14,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/support/peer_command.h"
 #include "cli/tool.h"
 #include "core/cart/convert.h"
 #include "core/common/atomic_file.h"
@@ -61,22 +59,10 @@ const ManyImages& TheImages() {
   return images;
 }
 
-// cat FILES > /dev/null, started directly (no shell), waited for.
 double CatSeconds(const std::vector<std::string>& files) {
-  std::vector<char*> argv{const_cast<char*>("cat")};
-  for (const std::string& file : files)
-    argv.push_back(const_cast<char*>(file.c_str()));
-  argv.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  const auto start = std::chrono::steady_clock::now();
-  pid_t pid = 0;
-  if (posix_spawnp(&pid, "cat", &actions, nullptr, argv.data(), environ) != 0) std::abort();
-  int status = 0;
-  ::waitpid(pid, &status, 0);
-  posix_spawn_file_actions_destroy(&actions);
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  const double seconds = bench::PeerCommandSeconds("cat", files);
+  if (seconds < 0) std::abort();
+  return seconds;
 }
 
 void BM_Cat200Images(benchmark::State& state) {

@@ -3,9 +3,6 @@
 // sha1sum reads the same files once. The counter x_sha1sum is identify's wall time over
 // sha1sum's; the goal is at most 1.5.
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -15,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/support/peer_command.h"
 #include "cli/tool.h"
 #include "core/cart/convert.h"
 #include "core/common/atomic_file.h"
@@ -80,24 +78,8 @@ double Seconds(std::chrono::steady_clock::duration duration) {
   return std::chrono::duration<double>(duration).count();
 }
 
-// One run of sha1sum over the files, its output thrown away; its wall time, or < 0.
 double Sha1sumSeconds(const std::vector<std::string>& files) {
-  std::vector<char*> argv{const_cast<char*>("sha1sum")};
-  for (const std::string& file : files)
-    argv.push_back(const_cast<char*>(file.c_str()));
-  argv.push_back(nullptr);
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-  const auto start = std::chrono::steady_clock::now();
-  pid_t pid = 0;
-  const int spawned = posix_spawnp(&pid, "sha1sum", &actions, nullptr, argv.data(), environ);
-  posix_spawn_file_actions_destroy(&actions);
-  int status = 0;
-  if (spawned != 0 || waitpid(pid, &status, 0) != pid || !WIFEXITED(status) ||
-      WEXITSTATUS(status) != 0)
-    return -1;
-  return Seconds(std::chrono::steady_clock::now() - start);
+  return bench::PeerCommandSeconds("sha1sum", files);
 }
 
 std::int64_t TotalBytes(const std::vector<std::string>& files) {
