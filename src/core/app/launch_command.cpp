@@ -132,6 +132,10 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
     } else {
       m_romPath = Utf8ToPath(JoinDirName(request.diret, request.entryText));
     }
+    // The emulator runs in its own folder: a path relative to ours would name nothing there.
+    std::error_code ignored;
+    if (const auto absolute = std::filesystem::absolute(m_romPath, ignored); !ignored)
+      m_romPath = absolute.lexically_normal();
 
     const Layout layout = dryRun && request.zipListing ? DetectRomFormat(nullptr, request.entryText)
                                                        : DetectAt(m_romPath);

@@ -80,6 +80,8 @@ TEST_F(LaunchCommandTest, ThePatchIsOnDuringTheRunAndGoneAfterIt) {
   LaunchRequest request = Request("Game (W) [!].bin");
   request.options.activateDynamicPatch = true;
   request.extraCommandLine = "-extra  words";
+  // Named from our folder, the image must reach the emulator, which runs in its own.
+  request.diret = PathToUtf8(std::filesystem::relative(Utf8ToPath(roms)));
 
   ASSERT_TRUE(Run(request)) << host.Transcript();
   EXPECT_EQ(Logged("args"), path + "\n-nojoy\n-z80\n-extra\nwords\n");
