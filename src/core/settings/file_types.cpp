@@ -99,24 +99,24 @@ void UpdateMimeDatabase(const FileTypePlaces& places, FileTypeReport& report) {
   RunTool(places, "update-mime-database", {PathToUtf8(MimeFolder(places))}, report);
 }
 
+// A file-system call's outcome as a Status naming what was being done to which path.
+Status FileSystemStatus(std::string_view doing, const fs::path& path,
+                        const std::error_code& error) {
+  if (!error) return {};
+  return Error{fmt::format("Cannot {} {}: {}", doing, PathToUtf8(path), error.message()),
+               error.value()};
+}
+
 Status CreateFolder(const fs::path& folder) {
   std::error_code error;
   fs::create_directories(folder, error);
-  if (error) {
-    return Error{fmt::format("Cannot create {}: {}", PathToUtf8(folder), error.message()),
-                 error.value()};
-  }
-  return {};
+  return FileSystemStatus("create", folder, error);
 }
 
 Status RemoveFile(const fs::path& path) {
   std::error_code error;
   fs::remove(path, error);
-  if (error) {
-    return Error{fmt::format("Cannot delete {}: {}", PathToUtf8(path), error.message()),
-                 error.value()};
-  }
-  return {};
+  return FileSystemStatus("delete", path, error);
 }
 
 // Drops the defaults naming our types from mimeapps.list, which xdg-mime cannot undo.
