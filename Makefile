@@ -17,6 +17,8 @@ DEB_PACKAGES += libpugixml-dev zlib1g-dev libssl-dev
 DEB_PACKAGES += blastem mednafen xvfb xauth
 # The desktop program and its Qt tests.
 DEB_PACKAGES += qt6-base-dev
+# File-type registration and its test: xdg-mime (mimetype answers its queries), update-mime-database.
+DEB_PACKAGES += xdg-utils libfile-mimeinfo-perl shared-mime-info
 # What tools/screenshot.sh needs besides the build.
 SCREENSHOT_PACKAGES := xvfb xauth imagemagick xdotool
 

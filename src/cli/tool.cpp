@@ -134,6 +134,7 @@ int RunTool(const std::vector<std::string>& args, const ToolStreams& streams) {
   AddEmulatorsCommand(app, context);
   AddHistoryCommand(app, context);
   AddFavoritesCommand(app, context);
+  AddRegisterTypesCommand(app, context);
 
   std::vector<std::string> reversed(args.rbegin(), args.rend());  // CLI11 parses from the back
   try {

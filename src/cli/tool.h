@@ -109,5 +109,6 @@ void AddRunCommand(CLI::App& app, ToolContext& context);
 void AddEmulatorsCommand(CLI::App& app, ToolContext& context);
 void AddHistoryCommand(CLI::App& app, ToolContext& context);
 void AddFavoritesCommand(CLI::App& app, ToolContext& context);
+void AddRegisterTypesCommand(CLI::App& app, ToolContext& context);
 
 }  // namespace romsteward::cli

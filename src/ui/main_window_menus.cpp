@@ -11,6 +11,7 @@
 
 #include "core/host/app_title.h"
 #include "core/host/host.h"
+#include "ui/file_type_commands.h"
 #include "ui/main_window.h"
 #include "ui/qt_text.h"
 
@@ -127,6 +128,11 @@ QMenu* MainWindow::BuildOptionsMenu() {
   menu->addSeparator();
   AddCommand(menu, "Set temporary directory...", "mnu_settemp",
              &MainWindowModel::SetTemporaryDirectory);
+  menu->addSeparator();
+  connect(menu->addAction("Register file types"), &QAction::triggered, this,
+          [this] { RegisterFileTypesForThisProgram(this); });
+  connect(menu->addAction("Remove file-type registration"), &QAction::triggered, this,
+          [this] { RemoveFileTypeRegistration(this); });
   return menu;
 }
 

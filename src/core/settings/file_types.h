@@ -1,0 +1,57 @@
+#pragma once
+
+#include <filesystem>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/common/result.h"
+
+namespace romsteward {
+
+/// One image type the desktop can be told to open with the program.
+struct FileTypeEntry {
+  std::string_view control;      ///< the menu item's name
+  std::string_view caption;      ///< its caption
+  std::string_view description;  ///< the type's comment in the MIME database
+  std::string_view extension;    ///< registered as the glob "*.<extension>"
+  std::string_view mimeType;
+};
+
+/// The four layouts: binary, interleaved, the first volume of a split set, game doctor.
+std::span<const FileTypeEntry> FileTypes();
+
+/// Where a registration goes and what it opens the images with.
+struct FileTypePlaces {
+  std::filesystem::path dataHome;    ///< $XDG_DATA_HOME: applications/ and mime/
+  std::filesystem::path configHome;  ///< $XDG_CONFIG_HOME: mimeapps.list, for the default
+  std::filesystem::path program;     ///< the desktop program, started with the image's path
+};
+
+/// The XDG base folders from the environment (or their defaults under $HOME) and `program`.
+Result<FileTypePlaces> DefaultFileTypePlaces(const std::filesystem::path& program);
+
+inline constexpr std::string_view kDesktopFileName = "romsteward.desktop";
+inline constexpr std::string_view kMimePackageFileName = "romsteward.xml";
+
+/// The shared-mime-info package declaring the four types.
+std::string MimePackageXml();
+/// The desktop entry that opens those types with `program`; an Error for a path a desktop
+/// entry cannot hold (a line break).
+Result<std::string> DesktopEntry(const std::filesystem::path& program);
+
+/// What a registration or removal did besides writing or deleting its files: one line per
+/// desktop tool that was missing or failed. The files are in place either way.
+struct FileTypeReport {
+  std::vector<std::string> notes;
+};
+
+/// Writes the desktop entry and the MIME package, then runs update-mime-database and
+/// `xdg-mime default` where installed. Registering again writes the same files.
+Result<FileTypeReport> RegisterFileTypes(const FileTypePlaces& places);
+/// Deletes both files, takes the program out of mimeapps.list's defaults and brings the MIME
+/// database up to date. Nothing registered is not an error.
+Result<FileTypeReport> RemoveFileTypes(const FileTypePlaces& places);
+
+}  // namespace romsteward
