@@ -41,8 +41,8 @@ void Configure(QProcess& process, const ProcessSpec& spec) {
 /// itself once it has completed.
 class LaunchRun : public QObject {
 public:
-  LaunchRun(QObject* parent, std::unique_ptr<LaunchCommand> launch, std::function<void()> done)
-      : QObject(parent), m_launch(std::move(launch)), m_done(std::move(done)) {}
+  LaunchRun(QObject* parent, std::unique_ptr<LaunchCommand> launch)
+      : QObject(parent), m_launch(std::move(launch)) {}
   // Closing the program kills a running emulator; the launch's own destructor then takes
   // its preparation back, with nobody left to tell.
   ~LaunchRun() override { m_process.disconnect(this); }
@@ -83,7 +83,6 @@ private:
     outcome.stderrTail = LastLines(FromQt(QString::fromLocal8Bit(m_stderr)), kStderrTailLines);
     m_launch->Complete(outcome);
     m_finished(*m_launch);
-    if (m_done) m_done();
     deleteLater();
   }
 
@@ -92,7 +91,6 @@ private:
   QByteArray m_stderr;
   QElapsedTimer m_clock;
   std::unique_ptr<LaunchCommand> m_launch;
-  std::function<void()> m_done;
   std::function<void(LaunchCommand&)> m_finished;
   bool m_over = false;
 };
@@ -165,10 +163,13 @@ void QtLauncher::Launch(LaunchRequest request, std::function<void()> done) {
     return;
   }
   ++m_running;
-  auto* run = new LaunchRun(this, std::move(launch), std::move(done));
-  run->Start(command->process, [this](LaunchCommand& finished) {
+  auto* run = new LaunchRun(this, std::move(launch));
+  run->Start(command->process, [this, done = std::move(done)](LaunchCommand& finished) {
     --m_running;
     m_window.Model().LaunchFinished(finished);
+    // The caller's clean-up (a favorite's copy, the command-line start's end) comes before
+    // the window shows the model again.
+    if (done) done();
     m_window.Render();
     emit launchFinished();
   });
