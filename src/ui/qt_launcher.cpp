@@ -8,6 +8,7 @@
 #include <QProcessEnvironment>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <csignal>
 #include <memory>
 
 #include "core/app/main_window_model.h"
@@ -37,8 +38,8 @@ void Configure(QProcess& process, const ProcessSpec& spec) {
   }
 }
 
-/// One running launch: the command, its process and the caller's continuation. It deletes
-/// itself once it has completed.
+/// One running launch: the command and its process. It deletes itself once it has
+/// completed.
 class LaunchRun : public QObject {
 public:
   LaunchRun(QObject* parent, std::unique_ptr<LaunchCommand> launch)
@@ -60,8 +61,8 @@ public:
       ProcessOutcome outcome;
       outcome.started = true;
       outcome.exitStatus = status == QProcess::NormalExit ? code : -1;
-      // QProcess does not tell which signal: any non-zero value marks a crash.
-      outcome.signal = status == QProcess::NormalExit ? 0 : 1;
+      // After a crash QProcess on Unix reports the ending signal as the exit code.
+      if (status != QProcess::NormalExit) outcome.signal = code > 0 ? code : SIGKILL;
       Finish(outcome);
     });
     connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
