@@ -4,16 +4,18 @@
 #include <QCommandLineParser>
 #include <QScreen>
 #include <QTimer>
-#include <cstdio>
 
+#include "core/app/launch_command.h"
 #include "core/common/strings.h"
 #include "core/host/app_title.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/general_settings.h"
 #include "core/settings/registry_store.h"
+#include "ui/favorites_menu.h"
 #include "ui/main_window.h"
 #include "ui/message_box.h"
 #include "ui/qt_host.h"
+#include "ui/qt_launcher.h"
 #include "ui/qt_text.h"
 #include "ui/trash_file_operations.h"
 
@@ -48,11 +50,8 @@ int RunDesktop(int argc, char** argv) {
   const QCommandLineOption settingsOption(
       "settings", "Settings file (default: $ROMSTEWARD_SETTINGS, else the user's own).", "FILE");
   parser.addOption(settingsOption);
+  parser.addPositionalArgument("FILE", "An image to run with its saved options; no window.");
   parser.process(app);
-  if (!parser.positionalArguments().isEmpty()) {
-    std::fputs("romsteward: unexpected argument; see --help\n", stderr);
-    return 2;
-  }
 
   const std::filesystem::path file = parser.isSet(settingsOption)
                                          ? Utf8ToPath(FromQt(parser.value(settingsOption)))
@@ -66,9 +65,26 @@ int RunDesktop(int argc, char** argv) {
   }
   AppSettings settings(**store);
   QtHost host;
+  // A launch that was killed left patched images or extracted copies: put them right first.
+  RecoverInterruptedLaunches(host, **store);
   TrashFileOperations operations;
   MainWindow window(host, settings, operations);
   host.SetParent(&window);
+  QtLauncher launcher(window, host, settings);
+  launcher.Connect();
+  window.Model().LoadFavoritesMenu();
+  window.InsertMenu(new FavoritesMenu(window));
+
+  if (const QStringList words = parser.positionalArguments(); !words.isEmpty()) {
+    // The whole command line is the path: a file manager may pass one with blanks unquoted.
+    const std::string path = FromQt(words.join(' '));
+    // Only the emulator's end ends this run, not a closed message box.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QTimer::singleShot(0, &window, [&window, path] {
+      window.Model().RunImagePath(path, [] { QCoreApplication::quit(); });
+    });
+    return QApplication::exec();
+  }
   PlaceWindow(window, settings);
   window.show();
   // The start-up may ask questions: let the window appear under them first.

@@ -167,7 +167,7 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
             DynamicPatchRun::Apply(m_host, m_settings.Store(), request.entryText, m_romPath));
         if (!m_patches->Applied()) return std::nullopt;
       }
-      if (IsEmulatorRunning(ConfiguredEmulatorPaths(m_settings)) &&
+      if ((request.ownEmulatorRunning || IsEmulatorRunning(ConfiguredEmulatorPaths(m_settings))) &&
           m_host.AskYesNo(kEmulatorRunning, MessageIcon::Question, kAppTitle) != Answer::Yes)
         return std::nullopt;
     }

@@ -33,6 +33,9 @@ struct LaunchRequest {
   GeneralSettings general;  ///< "Save Settings for All &Cartridges" among them
   /// "Calibrate Joystick": the tab's emulator with " -calib" alone, no ROM, no checks.
   bool calibrate = false;
+  /// The caller already has an emulator of its own running (the desktop program's child,
+  /// whatever its executable): asks the "already running" question like a found one.
+  bool ownEmulatorRunning = false;
 };
 
 /// The launch messages.

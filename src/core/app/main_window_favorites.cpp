@@ -7,6 +7,7 @@
 #include "core/common/strings.h"
 #include "core/host/app_title.h"
 #include "core/host/host.h"
+#include "core/launch/extracted_copies.h"
 #include "core/library/favorites.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/emulator_options.h"
@@ -75,7 +76,7 @@ void MainWindowModel::RunFavorite(std::string_view titleText, std::function<void
   auto cleanUp = [this, copy = std::move(image.copy), remembered = m_diret, entry = SelectedText(),
                   done = std::move(done)] {
     if (copy) {
-      DeleteExtractedCopy(m_host, *copy);
+      copy->Delete();
       if (remembered.empty()) {
         RefreshRomList();
       } else if (SetDiret(remembered)) {

@@ -7,6 +7,7 @@
 #include "core/common/strings.h"
 #include "core/host/app_title.h"
 #include "core/host/host.h"
+#include "core/launch/extracted_copies.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"
 #include "core/library/place.h"
@@ -60,8 +61,7 @@ bool HoldsMember(const std::string& archive, const std::string& member) {
   return listing && std::ranges::find(listing->names, member) != listing->names.end();
 }
 
-FavoriteImage PrepareArchived(Host& host, const AppSettings& settings,
-                              const ArchivedLocation& archived) {
+FavoriteImage PrepareArchived(Host& host, AppSettings& settings, const ArchivedLocation& archived) {
   FavoriteImage image;
   const std::optional<std::filesystem::path> folder = UsableTemporaryFolder(settings);
   if (!folder) {
@@ -71,17 +71,17 @@ FavoriteImage PrepareArchived(Host& host, const AppSettings& settings,
   }
   // A member that is gone makes a dead favorite; any other failure is told as it is.
   if (!HoldsMember(archived.archive, archived.member)) return image;
-  auto extracted = ExtractZipMember(Utf8ToPath(archived.archive), archived.member, *folder);
-  if (!extracted) {
-    host.ShowMessage(extracted.error().message, MessageIcon::Critical, kAppTitle);
+  image.copy = std::make_shared<ExtractedCopies>(ExtractedCopies::Extract(
+      host, settings.Store(), Utf8ToPath(archived.archive), {archived.member}, *folder));
+  if (!image.copy->Ok()) {  // the user was told why
     image.state = FavoriteImage::State::Refused;
     return image;
   }
-  image.copy = ExtractedCopy{*folder, archived.member};
-  image.path = PathToUtf8(*extracted);
+  const std::filesystem::path& extracted = image.copy->Files().front();
+  image.path = PathToUtf8(extracted);
   // The further volumes of a split set never come along, so such a set cannot run.
   const bool splitSet = [&] {
-    auto file = BinaryFile::Open(*extracted);
+    auto file = BinaryFile::Open(extracted);
     return file && DetectRomFormat(*file) == Layout::SplitFirst;
   }();
   if (splitSet) {
@@ -101,8 +101,7 @@ bool FavoriteImageExists(std::string_view location) {
   return !location.empty() && PathExists(location, PathKind::File);
 }
 
-FavoriteImage PrepareFavoriteImage(Host& host, const AppSettings& settings,
-                                   std::string_view location) {
+FavoriteImage PrepareFavoriteImage(Host& host, AppSettings& settings, std::string_view location) {
   if (location.empty()) return {};
   if (const auto archived = SplitArchivedLocation(location))
     return PrepareArchived(host, settings, *archived);
@@ -112,12 +111,6 @@ FavoriteImage PrepareFavoriteImage(Host& host, const AppSettings& settings,
     image.path = std::string(location);
   }
   return image;
-}
-
-bool DeleteExtractedCopy(Host& host, const ExtractedCopy& copy) {
-  if (RemoveExtractedMember(copy.folder, copy.member)) return true;
-  host.ShowMessage(kTempDeleteError, MessageIcon::Critical, kAppTitle);
-  return false;
 }
 
 }  // namespace romsteward

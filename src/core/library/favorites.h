@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,7 @@
 namespace romsteward {
 
 class AppSettings;
+class ExtractedCopies;
 class Host;
 
 inline constexpr std::string_view kNewFavoriteTitle = "New Favorite Game";
@@ -20,7 +22,6 @@ inline constexpr std::string_view kRemoveFavoritesTitle = "Remove items from fav
 inline constexpr std::string_view kFavoriteNotFound = "Rom not found, remove favorite from menu?";
 inline constexpr std::string_view kSplitInZip = "You can't run splitted files stored in a ZIP";
 inline constexpr std::string_view kRomDoesNotExist = "The specified ROM doesn't exist!";
-inline constexpr std::string_view kTempDeleteError = "Error deleting from temporary directory!";
 /// Marks an archived favorite: archive path, this, member name. No ordinary path holds it.
 inline constexpr std::string_view kArchiveSeparator = "\\\\";
 
@@ -51,29 +52,20 @@ std::optional<ArchivedLocation> SplitArchivedLocation(std::string_view location)
 /// Whether the image of `location` is there: the file, or the member of the archive.
 bool FavoriteImageExists(std::string_view location);
 
-/// A member extracted for a run, deleted again afterwards.
-struct ExtractedCopy {
-  std::filesystem::path folder;
-  std::string member;
-};
-
 /// The image a favorite runs. Missing: the image (or its archive member) is not there, so
 /// the favorite is offered for removal. Refused: a message was shown and nothing runs.
 struct FavoriteImage {
   enum class State { Ready, Missing, Refused } state = State::Missing;
-  std::string path;                   ///< Ready: the image to hand to RunImagePath
-  std::optional<ExtractedCopy> copy;  ///< Ready or Refused: a copy made in the temporary folder
+  std::string path;  ///< Ready: the image to hand to RunImagePath
+  /// Ready or Refused: the copy made in the temporary folder, recorded so that a killed
+  /// program leaves nothing; deleted by its Delete or when the last holder lets it go.
+  std::shared_ptr<ExtractedCopies> copy;
 };
 
 /// Finds or extracts the image of `location`. An archived one needs a usable temporary
 /// folder (kTempFolderMissing otherwise) and is refused when it is the first volume of a
 /// split set (kSplitInZip); an extraction that fails for another reason than a missing
 /// member shows that reason.
-FavoriteImage PrepareFavoriteImage(Host& host, const AppSettings& settings,
-                                   std::string_view location);
-
-/// Deletes an extracted copy, read-only or not; "Error deleting from temporary directory!"
-/// when that fails. True when it is gone.
-bool DeleteExtractedCopy(Host& host, const ExtractedCopy& copy);
+FavoriteImage PrepareFavoriteImage(Host& host, AppSettings& settings, std::string_view location);
 
 }  // namespace romsteward

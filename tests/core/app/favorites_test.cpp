@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "core/app/main_window_model.h"
+#include "core/launch/extracted_copies.h"
 #include "core/launch/zip_archive.h"
 #include "core/settings/emulator_options.h"
 #include "core/settings/general_settings.h"
@@ -25,6 +26,7 @@ struct LaunchSeen {
   std::string entry;
   int preferredEmulator = -1;
   bool imageThere = false;
+  bool recorded = false;  // a killed run would leave nothing the next start cannot clear
 };
 
 class FavoritesTest : public test::PlaceTest {
@@ -34,8 +36,9 @@ protected:
     // archive can hand it over, then ends at once.
     model.SetLaunchStep([this](MainWindowModel& m, std::function<void()> done) {
       const std::filesystem::path image = Utf8ToPath(JoinDirName(m.Diret(), m.SelectedText()));
-      launches.push_back(
-          {m.Diret(), m.SelectedText(), m.Options().preferredEmulator, exists(image)});
+      const auto records = settings.Store().EnumerateValueNames(SectionKeyPath(kSectionExtractRun));
+      launches.push_back({m.Diret(), m.SelectedText(), m.Options().preferredEmulator, exists(image),
+                          records && !records->empty()});
       if (exists(image)) test::MakeReadOnly(image);
       done();
     });
@@ -128,10 +131,12 @@ TEST_F(FavoritesTest, AnArchivedFavoriteRunsFromATemporaryCopyThatIsDeletedAfter
   EXPECT_EQ(launches[0].diret, temp);
   EXPECT_EQ(launches[0].entry, "a.bin");
   EXPECT_TRUE(launches[0].imageThere);
+  EXPECT_TRUE(launches[0].recorded);
   EXPECT_EQ(launches[1].diret, JoinDirName(temp, "sub"));
   EXPECT_TRUE(launches[1].imageThere);
   // Read-only during the run, gone after it; the list is back where it was.
   EXPECT_TRUE(std::filesystem::is_empty(PathOf("temp")));
+  EXPECT_EQ(RecoverInterruptedExtractions(host, settings.Store()), 0u);
   EXPECT_EQ(model.Diret(), dir);
   EXPECT_EQ(model.SelectedText(), "game.bin");
   EXPECT_THAT(host.Events(), IsEmpty());

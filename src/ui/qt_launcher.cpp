@@ -1,0 +1,187 @@
+#include "ui/qt_launcher.h"
+
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QPushButton>
+#include <QVBoxLayout>
+#include <csignal>
+#include <memory>
+
+#include "core/app/main_window_model.h"
+#include "core/common/strings.h"
+#include "core/launch/emulator_profiles.h"
+#include "ui/emulator_tabs.h"
+#include "ui/main_window.h"
+#include "ui/qt_text.h"
+
+namespace romsteward::ui {
+
+namespace {
+
+void Configure(QProcess& process, const ProcessSpec& spec) {
+  process.setProgram(ToQt(spec.program));
+  QStringList arguments;
+  for (const std::string& argument : spec.arguments)
+    arguments << ToQt(argument);
+  process.setArguments(arguments);
+  if (!spec.workingDirectory.empty())
+    process.setWorkingDirectory(ToQt(PathToUtf8(spec.workingDirectory)));
+  if (!spec.environment.empty()) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const auto& [name, value] : spec.environment)
+      environment.insert(ToQt(name), ToQt(value));
+    process.setProcessEnvironment(environment);
+  }
+}
+
+/// One running launch: the command and its process. It deletes itself once it has
+/// completed.
+class LaunchRun : public QObject {
+public:
+  LaunchRun(QObject* parent, std::unique_ptr<LaunchCommand> launch)
+      : QObject(parent), m_launch(std::move(launch)) {}
+  // Closing the program kills a running emulator; the launch's own destructor then takes
+  // its preparation back, with nobody left to tell.
+  ~LaunchRun() override { m_process.disconnect(this); }
+
+  void Start(const ProcessSpec& spec, std::function<void(LaunchCommand&)> finished) {
+    m_finished = std::move(finished);
+    Configure(m_process, spec);
+    m_process.setStandardOutputFile(QProcess::nullDevice());
+    connect(&m_process, &QProcess::readyReadStandardError, this, [this] {
+      // Only the end is ever shown: a chatty emulator must not fill the memory.
+      m_stderr += m_process.readAllStandardError();
+      if (m_stderr.size() > kStderrKept) m_stderr.remove(0, m_stderr.size() - kStderrKept);
+    });
+    connect(&m_process, &QProcess::finished, this, [this](int code, QProcess::ExitStatus status) {
+      ProcessOutcome outcome;
+      outcome.started = true;
+      outcome.exitStatus = status == QProcess::NormalExit ? code : -1;
+      // After a crash QProcess on Unix reports the ending signal as the exit code.
+      if (status != QProcess::NormalExit) outcome.signal = code > 0 ? code : SIGKILL;
+      Finish(outcome);
+    });
+    connect(&m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+      if (error != QProcess::FailedToStart) return;  // the others end in finished
+      ProcessOutcome outcome;
+      outcome.startError = FromQt(m_process.errorString());
+      Finish(outcome);
+    });
+    m_clock.start();
+    m_process.start();
+  }
+
+private:
+  void Finish(ProcessOutcome outcome) {
+    if (m_over) return;
+    m_over = true;
+    outcome.seconds = static_cast<double>(m_clock.elapsed()) / 1000.0;
+    m_stderr += m_process.readAllStandardError();
+    outcome.stderrTail = LastLines(FromQt(QString::fromLocal8Bit(m_stderr)), kStderrTailLines);
+    m_launch->Complete(outcome);
+    m_finished(*m_launch);
+    deleteLater();
+  }
+
+  static constexpr qsizetype kStderrKept = 64 * 1024;
+  QProcess m_process;
+  QByteArray m_stderr;
+  QElapsedTimer m_clock;
+  std::unique_ptr<LaunchCommand> m_launch;
+  std::function<void(LaunchCommand&)> m_finished;
+  bool m_over = false;
+};
+
+}  // namespace
+
+QtLauncher::QtLauncher(MainWindow& window, Host& host, AppSettings& settings)
+    : QObject(&window), m_window(window), m_host(host), m_settings(settings) {}
+
+QtLauncher::~QtLauncher() = default;
+
+void QtLauncher::Connect() {
+  auto* run = new QPushButton(QStringLiteral("Run this game!"));
+  run->setObjectName("CmdLaunch");
+  m_window.LaunchRow()->addWidget(run);
+  m_window.BindButton(run, "CmdLaunch");
+  const auto launchSelection = [this] { Launch(m_window.Model().LaunchRequestForSelection()); };
+  connect(run, &QPushButton::clicked, this, launchSelection);
+  connect(&m_window, &MainWindow::launchRequested, this, launchSelection);
+
+  auto* calibrate = new QPushButton(QStringLiteral("Calibrate Joystick"));
+  calibrate->setObjectName("CmdCalib");
+  if (QWidget* genEm = m_window.Tabs()->widget(kTabGenEm); genEm && genEm->layout())
+    genEm->layout()->addWidget(calibrate);
+  m_window.BindButton(calibrate, "CmdCalib");
+  connect(calibrate, &QPushButton::clicked, this,
+          [this] { Launch(m_window.Model().CalibrationRequest()); });
+
+  if (auto* extra = m_window.findChild<QLineEdit*>("txtCmd")) {
+    connect(extra, &QLineEdit::returnPressed, this, [this] {
+      m_window.Model().ExecuteExtraCommandLine(*this);
+      m_window.Render();
+    });
+  }
+
+  AddSearchItems();
+
+  m_window.Model().SetLaunchStep([this](MainWindowModel& model, std::function<void()> done) {
+    Launch(model.LaunchRequestForSelection(), std::move(done));
+  });
+}
+
+void QtLauncher::AddSearchItems() {
+  QMenu* options = nullptr;
+  for (QAction* action : m_window.menuBar()->actions())
+    if (action->menu() && action->text() == QStringLiteral("&Options")) options = action->menu();
+  if (!options) return;
+  // Between the settings commands and the temporary directory.
+  QAction* before = nullptr;
+  for (QAction* action : options->actions())
+    if (action->text() == QStringLiteral("Set temporary directory...")) before = action;
+  for (const EmulatorProfile& profile : EmulatorProfiles()) {
+    auto* search = new QAction(ToQt(profile.locateCaption), options);
+    options->insertAction(before, search);
+    connect(search, &QAction::triggered, this, [this, &profile] {
+      LocateEmulator(m_host, m_settings, profile);
+      m_window.Render();
+    });
+  }
+  options->insertSeparator(before);
+}
+
+void QtLauncher::Launch(LaunchRequest request, std::function<void()> done) {
+  request.ownEmulatorRunning = m_running > 0;
+  auto launch = std::make_unique<LaunchCommand>(m_host, m_settings, *this);
+  const std::optional<EmulatorCommand> command = launch->Begin(request);
+  m_window.Render();
+  if (!command) {
+    if (done) done();
+    return;
+  }
+  ++m_running;
+  auto* run = new LaunchRun(this, std::move(launch));
+  run->Start(command->process, [this, done = std::move(done)](LaunchCommand& finished) {
+    --m_running;
+    m_window.Model().LaunchFinished(finished);
+    // The caller's clean-up (a favorite's copy, the command-line start's end) comes before
+    // the window shows the model again.
+    if (done) done();
+    m_window.Render();
+    emit launchFinished();
+  });
+}
+
+Status QtLauncher::StartDetached(const ProcessSpec& spec) {
+  QProcess process;
+  Configure(process, spec);
+  if (!process.startDetached())
+    return Error{"Could not start " + spec.program + ": " + FromQt(process.errorString())};
+  return {};
+}
+
+}  // namespace romsteward::ui

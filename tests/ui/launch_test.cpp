@@ -1,0 +1,161 @@
+// Launches from the window run through QProcess: the window keeps working while the emulator
+// runs, the saved games are read again after it, and the favorites menu reaches its commands.
+#include <QAction>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+#include <memory>
+
+#include "core/app/launch_command.h"
+#include "core/launch/saved_games.h"
+#include "core/settings/app_settings.h"
+#include "ui/favorites_menu.h"
+#include "ui/main_window.h"
+#include "ui/qt_launcher.h"
+#include "ui/qt_text.h"
+#include "ui/rom_list_view.h"
+#include "ui/trash_file_operations.h"
+#include "ui_test_support.h"
+
+namespace romsteward::ui::test {
+
+class LaunchTest : public QObject {
+  Q_OBJECT
+private:
+  struct Fixture {
+    Sandbox sandbox;
+    RecordingHost host;
+    TrashFileOperations operations;
+    std::unique_ptr<MainWindow> window;
+    QtLauncher* launcher = nullptr;
+    FavoritesMenu* favorites = nullptr;
+
+    Fixture() {
+      // The fake emulator leaves a GenEm state beside every file it is given, and takes a
+      // while, as a game would.
+      const QString script = sandbox.Path("fake-emulator");
+      QFile file(script);
+      if (file.open(QIODevice::WriteOnly)) {
+        file.write(
+            "#!/bin/sh\nfor a in \"$@\"; do\n"
+            "  if [ -f \"$a\" ]; then : > \"${a%.*}.sav\"; fi\ndone\nsleep 0.4\n");
+        file.close();
+      }
+      file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+      for (const char* key : {"Genem", "KGen", "Genecyst"})
+        (void)sandbox.Settings().SaveSetting(kSectionSettings, key, FromQt(script));
+      window = std::make_unique<MainWindow>(host, sandbox.Settings(), operations);
+      launcher = new QtLauncher(*window, host, sandbox.Settings());
+      launcher->Connect();
+      window->Model().LoadFavoritesMenu();
+      favorites = new FavoritesMenu(*window);
+      window->InsertMenu(favorites);
+      window->show();
+      window->Start();
+    }
+    // Selects the first plain image of the demo collection.
+    bool SelectImage() {
+      RomListView* list = window->List();
+      for (int row = 0; row < list->model()->rowCount(); ++row) {
+        const QModelIndex index = list->model()->index(row, 0);
+        if (!index.data().toString().endsWith(".bin", Qt::CaseInsensitive)) continue;
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualRect(index).center());
+        return window->Model().Selection() == std::optional<std::size_t>(row);
+      }
+      return false;
+    }
+    QPushButton* RunButton() const { return window->findChild<QPushButton*>("CmdLaunch"); }
+  };
+
+private slots:
+  void TheWindowKeepsWorkingWhileTheEmulatorRuns() {
+    Fixture f;
+    QVERIFY(f.SelectImage());
+    QCOMPARE(f.window->SavedGames()->itemText(0), ToQt(kNoSavedGames));
+    QVERIFY(f.RunButton() && f.RunButton()->isEnabled());
+
+    QSignalSpy finished(f.launcher, &QtLauncher::launchFinished);
+    int ticks = 0;
+    QTimer ticker;
+    connect(&ticker, &QTimer::timeout, [&ticks] { ++ticks; });
+    ticker.start(10);
+    QTest::mouseClick(f.RunButton(), Qt::LeftButton);
+    QCOMPARE(f.launcher->Running(), 1);
+
+    // A second launch while the first runs asks first; No leaves it at one.
+    QTest::mouseClick(f.RunButton(), Qt::LeftButton);
+    QCOMPARE(f.host.shown.back(), std::string(kEmulatorRunning));
+    QCOMPARE(f.launcher->Running(), 1);
+
+    QVERIFY(finished.wait(10000));
+    QCOMPARE(f.launcher->Running(), 0);
+    QVERIFY2(ticks > 5, "the event loop stood still during the run");
+    QCOMPARE(f.window->SavedGames()->itemText(0), ToQt(kGenEmState));
+  }
+
+  void AProgramThatCannotStartIsReportedAndCounted() {
+    Fixture f;
+    // There, but not a program: the start itself fails.
+    const QString notAProgram = f.sandbox.Path("not-a-program");
+    QFile file(notAProgram);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.close();
+    for (const char* key : {"Genem", "KGen", "Genecyst"})
+      (void)f.sandbox.Settings().SaveSetting(kSectionSettings, key, FromQt(notAProgram));
+    QVERIFY(f.SelectImage());
+    QTest::mouseClick(f.RunButton(), Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(!f.host.shown.empty(), 5000);
+    QTRY_COMPARE(f.launcher->Running(), 0);
+  }
+
+  void TheFavoritesMenuAddsRunsAndListsFavorites() {
+    Fixture f;
+    QCOMPARE(f.favorites->title(), QStringLiteral("Fa&vorites"));
+    const QList<QAction*> own = f.favorites->actions();
+    QCOMPARE(own.at(0)->text(), QStringLiteral("&Add to favorites..."));
+    QCOMPARE(own.at(1)->text(), QStringLiteral("&Remove favorites..."));
+    QVERIFY(own.at(2)->isSeparator());
+
+    // Nothing selected and no favorites: both off.
+    emit f.favorites->aboutToShow();
+    QVERIFY(!own.at(0)->isEnabled());
+    QVERIFY(!own.at(1)->isEnabled());
+
+    QVERIFY(f.SelectImage());
+    f.host.texts.push_back(std::string("Zeta & Alpha"));
+    emit f.favorites->aboutToShow();
+    QVERIFY(own.at(0)->isEnabled());
+    own.at(0)->trigger();
+    emit f.favorites->aboutToShow();
+    QVERIFY(own.at(1)->isEnabled());
+    QCOMPARE(f.favorites->FavoriteActions().size(), 1);
+    QCOMPARE(f.favorites->FavoriteActions().at(0)->text(), QStringLiteral("Zeta && Alpha"));
+
+    QSignalSpy finished(f.launcher, &QtLauncher::launchFinished);
+    f.favorites->FavoriteActions().at(0)->trigger();
+    QVERIFY(finished.wait(10000));
+    QCOMPARE(f.window->SavedGames()->itemText(0), ToQt(kGenEmState));
+  }
+
+  void OptionsOffersASearchForEachEmulator() {
+    Fixture f;
+    QStringList captions;
+    for (QAction* menu : f.window->menuBar()->actions())
+      if (menu->menu() && menu->text() == "&Options")
+        for (QAction* action : menu->menu()->actions())
+          captions << action->text();
+    QVERIFY(captions.contains("Search GenEm..."));
+    QVERIFY(captions.indexOf("Search GenEm...") < captions.indexOf("Set temporary directory..."));
+  }
+};
+
+}  // namespace romsteward::ui::test
+
+QTEST_MAIN(romsteward::ui::test::LaunchTest)
+#include "launch_test.moc"
