@@ -10,11 +10,18 @@
 #include <QVBoxLayout>
 
 #include "core/app/main_window_model.h"
+#include "core/launch/option_controls.h"
 #include "ui/qt_text.h"
 
 namespace romsteward::ui {
 
 namespace {
+
+static_assert(kTabGenecyst == static_cast<int>(romsteward::EmulatorTab::Genecyst) &&
+              kTabGenEm == static_cast<int>(romsteward::EmulatorTab::GenEm) &&
+              kTabKGen == static_cast<int>(romsteward::EmulatorTab::KGen) &&
+              kTabBlastEm == static_cast<int>(romsteward::EmulatorTab::BlastEm) &&
+              kTabMednafen == static_cast<int>(romsteward::EmulatorTab::Mednafen));
 
 constexpr const char* kFrameSkipTip = "Number of frames to skip (1=no skip)";
 
@@ -26,6 +33,15 @@ EmulatorTabs::EmulatorTabs(MainWindowModel& model, QWidget* parent)
   insertTab(kTabGenecyst, BuildGenecyst(), "Genecyst");
   insertTab(kTabGenEm, BuildGenEm(), "GenEm");
   insertTab(kTabKGen, BuildKGen(), "KGen");
+  insertTab(
+      kTabBlastEm,
+      BuildChecks(kTabBlastEm, {&EmulatorOptions::blastFullscreen, &EmulatorOptions::blastNoSound}),
+      "BlastEm");
+  insertTab(kTabMednafen,
+            BuildChecks(kTabMednafen,
+                        {&EmulatorOptions::mednafenFullscreen, &EmulatorOptions::mednafenNoSound,
+                         &EmulatorOptions::mednafenFrameSkip}),
+            "Mednafen");
   connect(this, &QTabWidget::currentChanged, this, [this](int index) {
     m_model.Options().preferredEmulator = index;
     Changed();
@@ -174,6 +190,20 @@ QWidget* EmulatorTabs::BuildGenecyst() {
   }
   grid->setRowStretch(1 + (cell + 2) / 3, 1);
   return tab;
+}
+
+QWidget* EmulatorTabs::BuildChecks(int tab,
+                                   std::initializer_list<bool EmulatorOptions::*> members) {
+  auto* page = new QWidget(this);
+  auto* layout = new QVBoxLayout(page);
+  auto member = members.begin();
+  for (const OptionControl& control : kOptionControls) {
+    if (control.tab != tab || member == members.end()) continue;
+    const std::string name(control.name), caption(control.caption), tooltip(control.tooltip);
+    layout->addWidget(AddCheck(page, name.c_str(), caption.c_str(), tooltip.c_str(), *member++));
+  }
+  layout->addStretch(1);
+  return page;
 }
 
 void EmulatorTabs::Load() {

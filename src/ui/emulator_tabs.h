@@ -2,6 +2,7 @@
 
 #include <QTabWidget>
 #include <functional>
+#include <initializer_list>
 
 class QCheckBox;
 class QComboBox;
@@ -17,9 +18,16 @@ namespace romsteward::ui {
 
 /// The tabs of the emulator strip, in the order of the stored preferred emulator
 /// (`prefemu`): the index of a tab is the value saved for it.
-enum EmulatorTab { kTabGenecyst = 0, kTabGenEm = 1, kTabKGen = 2 };
+enum EmulatorTab {
+  kTabGenecyst = 0,
+  kTabGenEm = 1,
+  kTabKGen = 2,
+  kTabBlastEm = 3,
+  kTabMednafen = 4
+};
 
-/// The emulator tab strip: every option control of the GenEm, KGen and Genecyst tabs, bound
+/// The emulator tab strip: every option control of the GenEm, KGen and Genecyst tabs, and of
+/// the BlastEm and Mednafen tabs beside them, bound
 /// to the app model's option set. A change goes straight into the model (through its rules
 /// where there are some); Load() shows the model's values again.
 class EmulatorTabs : public QTabWidget {
@@ -49,6 +57,8 @@ private:
   QWidget* BuildGenEm();
   QWidget* BuildKGen();
   QWidget* BuildGenecyst();
+  /// A tab of check boxes only, captions and tooltips from the core's control table.
+  QWidget* BuildChecks(int tab, std::initializer_list<bool EmulatorOptions::*> members);
   QCheckBox* AddCheck(QWidget* parent, const char* name, const char* caption, const char* tooltip,
                       bool EmulatorOptions::*member, std::function<void(bool)> setter = {});
   QWidget* FrameSkip(QWidget* parent, QSlider*& slider, QLabel*& value,
