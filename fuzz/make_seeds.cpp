@@ -84,6 +84,13 @@ Seeds SettingsValueSeeds() {
           {"utf8", "caf\xC3\xA9\n"}};
 }
 
+Seeds GenIniSeeds() {
+  return {{"empty", std::string("\0\0", 2)},
+          {"kept-and-dropped", std::string("\x21\x10", 2) +
+                                   "-res 320 240\r\n-nofm\r\n-setkey 1 2\r\n; comment\r\n"
+                                   "-SAVEDIR c:\\saves\n-pcxdir\r"}};
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -92,10 +99,13 @@ int main(int argc, char** argv) {
     return 2;
   }
   const std::filesystem::path root = argv[1];
-  const std::pair<const char*, Seeds> targets[] = {
-      {"detect_header_fuzz", ImageSeeds()},      {"ips_fuzz", IpsSeeds()},
-      {"dynamic_patch_fuzz", PatchValueSeeds()}, {"report_template_fuzz", TemplateSeeds()},
-      {"archive_fuzz", ArchiveSeeds()},          {"settings_value_fuzz", SettingsValueSeeds()}};
+  const std::pair<const char*, Seeds> targets[] = {{"detect_header_fuzz", ImageSeeds()},
+                                                   {"ips_fuzz", IpsSeeds()},
+                                                   {"dynamic_patch_fuzz", PatchValueSeeds()},
+                                                   {"report_template_fuzz", TemplateSeeds()},
+                                                   {"archive_fuzz", ArchiveSeeds()},
+                                                   {"settings_value_fuzz", SettingsValueSeeds()},
+                                                   {"gen_ini_fuzz", GenIniSeeds()}};
   for (const auto& [target, seeds] : targets) {
     std::error_code error;
     std::filesystem::create_directories(root / target, error);
