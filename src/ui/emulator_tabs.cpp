@@ -23,7 +23,8 @@ static_assert(kTabGenecyst == static_cast<int>(romsteward::EmulatorTab::Genecyst
               kTabBlastEm == static_cast<int>(romsteward::EmulatorTab::BlastEm) &&
               kTabMednafen == static_cast<int>(romsteward::EmulatorTab::Mednafen));
 
-constexpr const char* kFrameSkipTip = "Number of frames to skip (1=no skip)";
+// The text of a control in the core's table (every control named here is in it).
+QString TooltipOf(std::string_view name) { return ToQt(FindOptionControl(name)->tooltip); }
 
 }  // namespace
 
@@ -49,12 +50,13 @@ EmulatorTabs::EmulatorTabs(MainWindowModel& model, QWidget* parent)
   Load();
 }
 
-QCheckBox* EmulatorTabs::AddCheck(QWidget* parent, const char* name, const char* caption,
-                                  const char* tooltip, bool EmulatorOptions::*member,
-                                  std::function<void(bool)> setter) {
-  auto* box = new QCheckBox(caption, parent);
-  box->setObjectName(name);
-  box->setToolTip(tooltip);
+QCheckBox* EmulatorTabs::AddCheck(QWidget* parent, std::string_view name,
+                                  bool EmulatorOptions::*member, std::function<void(bool)> setter) {
+  // Captions and tooltips live once, in the core's table of option controls.
+  const OptionControl* control = FindOptionControl(name);
+  auto* box = new QCheckBox(control ? ToQt(control->caption) : QString(), parent);
+  box->setObjectName(ToQt(name));
+  if (control) box->setToolTip(ToQt(control->tooltip));
   m_checks.push_back({box, member});
   connect(box, &QCheckBox::toggled, this, [this, member, setter](bool on) {
     if (m_loading) return;
@@ -74,7 +76,7 @@ QWidget* EmulatorTabs::FrameSkip(QWidget* parent, QSlider*& slider, QLabel*& val
   slider = new QSlider(Qt::Horizontal, row);
   slider->setRange(kFrameSkipMin, kFrameSkipMax);
   slider->setPageStep(1);
-  slider->setToolTip(kFrameSkipTip);
+  slider->setToolTip(TooltipOf("SlidGen"));
   value = new QLabel(row);
   value->setMinimumWidth(value->fontMetrics().horizontalAdvance("00"));
   value->setAlignment(Qt::AlignCenter);
@@ -97,29 +99,19 @@ QWidget* EmulatorTabs::FrameSkip(QWidget* parent, QSlider*& slider, QLabel*& val
 QWidget* EmulatorTabs::BuildGenEm() {
   auto* tab = new QWidget(this);
   auto* grid = new QGridLayout(tab);
-  grid->addWidget(AddCheck(tab, "chknew", "Use GenNew", "Use the faster and buggier GenEm version",
-                           &EmulatorOptions::useGenNew),
-                  0, 0);
+  grid->addWidget(AddCheck(tab, "chknew", &EmulatorOptions::useGenNew), 0, 0);
   grid->addWidget(FrameSkip(tab, m_slidGen, m_genFrames, &EmulatorOptions::genFrameSkip), 0, 1);
-  grid->addWidget(
-      AddCheck(tab, "Check1", "Disable &Joypad", "Disable PC-joypad support",
-               &EmulatorOptions::disableJoypad, [this](bool on) { m_model.SetDisableJoypad(on); }),
-      1, 0);
-  grid->addWidget(AddCheck(tab, "Check2", "Disable &Sound", "Disable all sound",
-                           &EmulatorOptions::disableSound),
-                  1, 1);
-  grid->addWidget(
-      AddCheck(tab, "Check3", "Enable Z80", "Enable Z80 Co-processor emulation needed for sound",
-               &EmulatorOptions::enableZ80, [this](bool on) { m_model.SetEnableZ80(on); }),
-      2, 0);
-  grid->addWidget(
-      AddCheck(tab, "Check4", "Fake Z80",
-               "Fake the Z80 coprocessor emulation so the games that require it run anyway",
-               &EmulatorOptions::fakeZ80, [this](bool on) { m_model.SetFakeZ80(on); }),
-      2, 1);
-  grid->addWidget(AddCheck(tab, "chkmodex", "320x240 resolution", "Use ModeX,  a slower video mode",
-                           &EmulatorOptions::modeX),
-                  3, 0);
+  grid->addWidget(AddCheck(tab, "Check1", &EmulatorOptions::disableJoypad,
+                           [this](bool on) { m_model.SetDisableJoypad(on); }),
+                  1, 0);
+  grid->addWidget(AddCheck(tab, "Check2", &EmulatorOptions::disableSound), 1, 1);
+  grid->addWidget(AddCheck(tab, "Check3", &EmulatorOptions::enableZ80,
+                           [this](bool on) { m_model.SetEnableZ80(on); }),
+                  2, 0);
+  grid->addWidget(AddCheck(tab, "Check4", &EmulatorOptions::fakeZ80,
+                           [this](bool on) { m_model.SetFakeZ80(on); }),
+                  2, 1);
+  grid->addWidget(AddCheck(tab, "chkmodex", &EmulatorOptions::modeX), 3, 0);
   grid->setRowStretch(4, 1);
   return tab;
 }
@@ -128,8 +120,7 @@ QWidget* EmulatorTabs::BuildKGen() {
   auto* tab = new QWidget(this);
   auto* layout = new QVBoxLayout(tab);
   layout->addWidget(FrameSkip(tab, m_slidK, m_kFrames, &EmulatorOptions::kgenFrameSkip));
-  layout->addWidget(AddCheck(tab, "chkKSom", "Disable Sound", "Disable all sound, but not the Z80",
-                             &EmulatorOptions::kgenDisableSound));
+  layout->addWidget(AddCheck(tab, "chkKSom", &EmulatorOptions::kgenDisableSound));
   layout->addStretch(1);
   return tab;
 }
@@ -142,7 +133,7 @@ QWidget* EmulatorTabs::BuildGenecyst() {
   rateRow->setContentsMargins(0, 0, 0, 0);
   m_cmbCystSnd = new QComboBox(rate);
   m_cmbCystSnd->setObjectName("cmbCystSnd");
-  m_cmbCystSnd->setToolTip("Set the sound quality");
+  m_cmbCystSnd->setToolTip(TooltipOf("cmbCystSnd"));
   for (std::string_view item : kCystSoundRates)
     m_cmbCystSnd->addItem(ToQt(item));
   rateRow->addWidget(new QLabel("Sound rate:", rate));
@@ -153,39 +144,22 @@ QWidget* EmulatorTabs::BuildGenecyst() {
     m_model.Options().cystSoundRate = index;
     Changed();
   });
-  struct GenecystCheck {
-    const char* name;
-    const char* caption;
-    const char* tooltip;
-    bool EmulatorOptions::*member;
-  };
-  static constexpr GenecystCheck kChecks[] = {
-      {"cystvsync", "Wait V. sync", "Wait for the vertical sync to draw frames",
-       &EmulatorOptions::cystWaitVsync},
-      {"cystskip", "CPU skipper",
-       "Prevents idle loops in rom code, just for fast machines! Can introduce a compatibility "
-       "problems...",
-       &EmulatorOptions::cystCpuSkipper},
-      {"cystexclusive", "Exclusive mode", "Freezes all windows programs to run faster",
-       &EmulatorOptions::cystExclusive},
-      {"cystDAC", "No DAC", "Disable all DAC sound", &EmulatorOptions::cystNoDac},
-      {"cystfm", "No FM", "Disable all FM sound", &EmulatorOptions::cystNoFm},
-      {"cystforceFM", "Force FM", "Forces the FM emulation on even if OPL3 is not detected",
-       &EmulatorOptions::cystForceFm},
-      {"cystfakez80", "Enable Faked Z80", "If a game locks without Z80, try this",
-       &EmulatorOptions::cystFakedZ80},
-      {"cystZ80", "Disable Z80", "Its emulation is needed for sound",
-       &EmulatorOptions::cystDisableZ80},
-      {"cystTSC", "Enable RDTSC profiling", "Don't use it in non-pentium processors!",
-       &EmulatorOptions::cystRdtscProfiling},
-      {"cystFPU", "Enable FPU copies", "Video Speed-up for Pentium processors",
-       &EmulatorOptions::cystFpuCopies},
+  static constexpr std::pair<std::string_view, bool EmulatorOptions::*> kChecks[] = {
+      {"cystvsync", &EmulatorOptions::cystWaitVsync},
+      {"cystskip", &EmulatorOptions::cystCpuSkipper},
+      {"cystexclusive", &EmulatorOptions::cystExclusive},
+      {"cystDAC", &EmulatorOptions::cystNoDac},
+      {"cystfm", &EmulatorOptions::cystNoFm},
+      {"cystforceFM", &EmulatorOptions::cystForceFm},
+      {"cystfakez80", &EmulatorOptions::cystFakedZ80},
+      {"cystZ80", &EmulatorOptions::cystDisableZ80},
+      {"cystTSC", &EmulatorOptions::cystRdtscProfiling},
+      {"cystFPU", &EmulatorOptions::cystFpuCopies},
   };
   grid->addWidget(rate, 0, 0, 1, 3);
   int cell = 0;
-  for (const GenecystCheck& check : kChecks) {
-    grid->addWidget(AddCheck(tab, check.name, check.caption, check.tooltip, check.member),
-                    1 + cell / 3, cell % 3);
+  for (const auto& [name, member] : kChecks) {
+    grid->addWidget(AddCheck(tab, name, member), 1 + cell / 3, cell % 3);
     ++cell;
   }
   grid->setRowStretch(1 + (cell + 2) / 3, 1);
@@ -199,8 +173,7 @@ QWidget* EmulatorTabs::BuildChecks(int tab,
   auto member = members.begin();
   for (const OptionControl& control : kOptionControls) {
     if (control.tab != tab || member == members.end()) continue;
-    const std::string name(control.name), caption(control.caption), tooltip(control.tooltip);
-    layout->addWidget(AddCheck(page, name.c_str(), caption.c_str(), tooltip.c_str(), *member++));
+    layout->addWidget(AddCheck(page, control.name, *member++));
   }
   layout->addStretch(1);
   return page;

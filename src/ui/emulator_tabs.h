@@ -3,6 +3,7 @@
 #include <QTabWidget>
 #include <functional>
 #include <initializer_list>
+#include <string_view>
 
 class QCheckBox;
 class QComboBox;
@@ -59,8 +60,8 @@ private:
   QWidget* BuildGenecyst();
   /// A tab of check boxes only, captions and tooltips from the core's control table.
   QWidget* BuildChecks(int tab, std::initializer_list<bool EmulatorOptions::*> members);
-  QCheckBox* AddCheck(QWidget* parent, const char* name, const char* caption, const char* tooltip,
-                      bool EmulatorOptions::*member, std::function<void(bool)> setter = {});
+  QCheckBox* AddCheck(QWidget* parent, std::string_view name, bool EmulatorOptions::*member,
+                      std::function<void(bool)> setter = {});
   QWidget* FrameSkip(QWidget* parent, QSlider*& slider, QLabel*& value,
                      int EmulatorOptions::*member);
   void Changed();

@@ -14,6 +14,7 @@
 #include <set>
 
 #include "core/host/app_title.h"
+#include "core/launch/option_controls.h"
 #include "ui/emulator_tabs.h"
 #include "ui/qt_text.h"
 #include "ui/rom_list_view.h"
@@ -151,6 +152,11 @@ private slots:
     const QList<QCheckBox*> boxes = f.window.Tabs()->findChildren<QCheckBox*>();
     QCOMPARE(boxes.size(), 22);  // 17 on the classic tabs, 2 on BlastEm, 3 on Mednafen
     for (QCheckBox* box : boxes) {
+      // Its caption and tooltip come from the core's table of controls, found by its name.
+      const OptionControl* control = FindOptionControl(box->objectName().toStdString());
+      QVERIFY2(control, qPrintable(box->objectName()));
+      QCOMPARE(box->text(), ToQt(control->caption));
+      QCOMPARE(box->toolTip(), ToQt(control->tooltip));
       const std::vector<std::string> before = stored();
       box->click();
       const std::vector<std::string> after = stored();

@@ -65,4 +65,11 @@ inline constexpr OptionControl kOptionControls[] = {
     {"CmdLaunch", "Run this game!", "", kSharedControls},
 };
 
+/// The control named `name` in kOptionControls; nullptr for an unknown name.
+constexpr const OptionControl* FindOptionControl(std::string_view name) {
+  for (const OptionControl& control : kOptionControls)
+    if (control.name == name) return &control;
+  return nullptr;
+}
+
 }  // namespace romsteward
