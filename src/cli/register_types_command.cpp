@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <ostream>
+#include <vector>
 
 #include "cli/tool.h"
 #include "core/common/strings.h"
@@ -15,6 +16,7 @@ namespace {
 struct RegisterTypesOptions {
   bool remove = false;
   std::string program;
+  std::vector<std::string> extensions;
 };
 
 // The desktop program installed beside this tool, which is what opens the images.
@@ -34,7 +36,13 @@ void RunRegisterTypes(const RegisterTypesOptions& options, ToolContext& context)
     context.status = kExitError;
     return;
   }
-  auto report = options.remove ? RemoveFileTypes(*places) : RegisterFileTypes(*places);
+  std::vector<FileTypeEntry> types;
+  for (const std::string& extension : options.extensions) {
+    // The option's check lets only the four extensions through.
+    if (const FileTypeEntry* type = FindFileType(extension)) types.push_back(*type);
+  }
+  if (types.empty()) types.assign(FileTypes().begin(), FileTypes().end());
+  auto report = options.remove ? RemoveFileTypes(*places) : RegisterFileTypes(*places, types);
   if (!report) {
     context.err << report.error().message << '\n';
     context.status = kExitError;
@@ -45,8 +53,11 @@ void RunRegisterTypes(const RegisterTypesOptions& options, ToolContext& context)
   if (options.remove) {
     context.out << "The image types are no longer registered.\n";
   } else {
-    context.out << "Images ending in .bin, .smd, .1 and .md now open with " << PathToUtf8(program)
-                << ".\n";
+    context.out << "Images ending in";
+    for (std::size_t i = 0; i < types.size(); ++i)
+      context.out << (i == 0 ? " ." : i + 1 == types.size() ? " and ." : ", .")
+                  << types[i].extension;
+    context.out << " now open with " << PathToUtf8(program) << ".\n";
   }
 }
 
@@ -59,6 +70,9 @@ void AddRegisterTypesCommand(CLI::App& app, ToolContext& context) {
   command->add_flag("--remove", options->remove, "Take the registration away again");
   command->add_option("--program", options->program,
                       "The program to open images with (default: romsteward beside this tool)");
+  command->add_option("--type", options->extensions,
+                      "Only these image types: bin, smd, 1 or md (default: all four)")
+      ->check(CLI::IsMember({"bin", "smd", "1", "md"}));
   command->callback([options, &context] { RunRegisterTypes(*options, context); });
 }
 

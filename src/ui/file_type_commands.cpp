@@ -1,6 +1,8 @@
 #include "ui/file_type_commands.h"
 
+#include <QAction>
 #include <QCoreApplication>
+#include <QMenu>
 
 #include "core/common/strings.h"
 #include "core/settings/file_types.h"
@@ -32,15 +34,38 @@ Result<FileTypePlaces> Places() {
 
 }  // namespace
 
-void RegisterFileTypesForThisProgram(QWidget* parent) {
+void RegisterFileTypesForThisProgram(QWidget* window, std::span<const FileTypeEntry> types) {
   auto places = Places();
-  Report(parent, places ? RegisterFileTypes(*places) : Result<FileTypeReport>(places.error()),
-         "Images ending in .bin, .smd, .1 and .md now open with Genesis Romsteward.");
+  std::string endings;
+  for (std::size_t i = 0; i < types.size(); ++i) {
+    endings += i == 0 ? "" : (i + 1 == types.size() ? " and " : ", ");
+    endings += "." + std::string(types[i].extension);
+  }
+  Report(window,
+         places ? RegisterFileTypes(*places, types) : Result<FileTypeReport>(places.error()),
+         "Images ending in " + endings + " now open with Genesis Romsteward.");
 }
 
-void RemoveFileTypeRegistration(QWidget* parent) {
+void AddFileTypeMenu(QMenu* options, QWidget* window) {
+  QMenu* menu = options->addMenu("Register file types");
+  menu->menuAction()->setObjectName("mnu_regtypes");
+  for (const FileTypeEntry& type : FileTypes()) {
+    QAction* item = menu->addAction(ToQt(type.caption));
+    item->setObjectName(ToQt(type.control));
+    QObject::connect(item, &QAction::triggered, window, [window, &type] {
+      RegisterFileTypesForThisProgram(window, std::span<const FileTypeEntry>(&type, 1));
+    });
+  }
+  menu->addSeparator();
+  QObject::connect(menu->addAction("All &four types"), &QAction::triggered, window,
+                   [window] { RegisterFileTypesForThisProgram(window, FileTypes()); });
+  QObject::connect(options->addAction("Remove file-type registration"), &QAction::triggered,
+                   window, [window] { RemoveFileTypeRegistration(window); });
+}
+
+void RemoveFileTypeRegistration(QWidget* window) {
   auto places = Places();
-  Report(parent, places ? RemoveFileTypes(*places) : Result<FileTypeReport>(places.error()),
+  Report(window, places ? RemoveFileTypes(*places) : Result<FileTypeReport>(places.error()),
          "The image types are no longer registered.");
 }
 

@@ -129,10 +129,7 @@ QMenu* MainWindow::BuildOptionsMenu() {
   AddCommand(menu, "Set temporary directory...", "mnu_settemp",
              &MainWindowModel::SetTemporaryDirectory);
   menu->addSeparator();
-  connect(menu->addAction("Register file types"), &QAction::triggered, this,
-          [this] { RegisterFileTypesForThisProgram(this); });
-  connect(menu->addAction("Remove file-type registration"), &QAction::triggered, this,
-          [this] { RemoveFileTypeRegistration(this); });
+  AddFileTypeMenu(menu, this);
   return menu;
 }
 

@@ -204,7 +204,14 @@ Result<std::string> DesktopEntry(const fs::path& program) {
       ExecQuoted(path), types);
 }
 
-Result<FileTypeReport> RegisterFileTypes(const FileTypePlaces& places) {
+const FileTypeEntry* FindFileType(std::string_view extension) {
+  for (const auto& type : kFileTypes)
+    if (type.extension == extension) return &type;
+  return nullptr;
+}
+
+Result<FileTypeReport> RegisterFileTypes(const FileTypePlaces& places,
+                                         std::span<const FileTypeEntry> types) {
   auto entry = DesktopEntry(places.program);
   if (!entry) return entry.error();
   for (const fs::path& folder :
@@ -220,7 +227,7 @@ Result<FileTypeReport> RegisterFileTypes(const FileTypePlaces& places) {
   FileTypeReport report;
   UpdateMimeDatabase(places, report);
   std::vector<std::string> arguments{"default", std::string(kDesktopFileName)};
-  for (const auto& type : kFileTypes)
+  for (const auto& type : types)
     arguments.emplace_back(type.mimeType);
   if (Status made = CreateFolder(places.configHome); !made) return made.error();
   RunTool(places, "xdg-mime", std::move(arguments), report);

@@ -47,9 +47,14 @@ struct FileTypeReport {
   std::vector<std::string> notes;
 };
 
-/// Writes the desktop entry and the MIME package, then runs update-mime-database and
-/// `xdg-mime default` where installed. Registering again writes the same files.
-Result<FileTypeReport> RegisterFileTypes(const FileTypePlaces& places);
+/// Writes the desktop entry and the MIME package (always all four types, so the program is
+/// offered for each), then runs update-mime-database and makes the program the default for
+/// `types` with `xdg-mime default` where installed. Registering again writes the same files;
+/// defaults set earlier for other types stay.
+Result<FileTypeReport> RegisterFileTypes(const FileTypePlaces& places,
+                                         std::span<const FileTypeEntry> types = FileTypes());
+/// The type registered for `extension` ("bin", "smd", "1", "md"), if any.
+const FileTypeEntry* FindFileType(std::string_view extension);
 /// Deletes both files, takes the program out of mimeapps.list's defaults and brings the MIME
 /// database up to date. Nothing registered is not an error.
 Result<FileTypeReport> RemoveFileTypes(const FileTypePlaces& places);

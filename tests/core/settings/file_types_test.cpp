@@ -88,8 +88,16 @@ TEST(FileTypes, FourTypesWithTheirGlobsAndAQuotedCommand) {
 }
 
 TEST_F(FileTypesTest, RegisterTwiceThenRemove) {
-  auto first = RegisterFileTypes(Places());
+  // One type first: the files still declare all four, only the default differs.
+  const FileTypeEntry* smd = FindFileType("smd");
+  ASSERT_NE(smd, nullptr);
+  EXPECT_EQ(FindFileType("2"), nullptr);
+  auto first = RegisterFileTypes(Places(), std::span<const FileTypeEntry>(smd, 1));
   ASSERT_TRUE(first.ok()) << first.error().message;
+  if (Installed("xdg-mime")) {
+    const std::string defaults = ReadTestFile(PathOf("config") / "mimeapps.list");
+    EXPECT_EQ(defaults.find("application/x-romsteward-bin"), std::string::npos) << defaults;
+  }
   const std::string desktop = ReadTestFile(DesktopFile());
   const std::string package = ReadTestFile(Package());
   EXPECT_EQ(package, MimePackageXml());
