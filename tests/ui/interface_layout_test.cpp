@@ -13,6 +13,7 @@
 #include "ui/emulator_tabs.h"
 #include "ui/layout/window_layout.h"
 #include "ui/main_window.h"
+#include "ui/rom_list_view.h"
 #include "ui/trash_file_operations.h"
 #include "ui_test_support.h"
 
@@ -34,6 +35,7 @@ private:
       layout->Load();
       window.show();
       (void)QTest::qWaitForWindowExposed(&window);
+      window.Start();
     }
     QWidget* Control(const char* name) { return window.findChild<QWidget*>(name); }
     QAction* Action(const char* name) { return window.findChild<QAction*>(name); }
@@ -47,9 +49,8 @@ private:
   static void RightDrag(QWidget* widget, QPoint from, QPoint by) {
     const QPoint start = widget->mapToGlobal(from);
     const auto send = [widget](QEvent::Type type, QPoint global) {
-      const Qt::MouseButtons held = type == QEvent::MouseButtonRelease
-                                        ? Qt::NoButton
-                                        : Qt::MouseButtons(Qt::RightButton);
+      const Qt::MouseButtons held =
+          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::MouseButtons(Qt::RightButton);
       QMouseEvent event(type, widget->mapFromGlobal(global), global,
                         type == QEvent::MouseMove ? Qt::NoButton : Qt::RightButton, held,
                         Qt::NoModifier);
@@ -74,6 +75,11 @@ private slots:
     QVERIFY(f.window.findChild<QWidget*>("cystfm_place"));
     RightDrag(fm, {fm->width() - 2, fm->height() - 2}, {15, 5});
     QCOMPARE(fm->size(), before.size() + QSize(15, 5));
+    // A right click without a move still selects in the list.
+    RomListView* list = f.window.List();
+    RightDrag(list->viewport(), list->visualRect(list->model()->index(2, 0)).center(), {});
+    QVERIFY(f.window.Model().Selection() == 2u);
+    QVERIFY(!f.window.findChild<QWidget*>("List1_place"));  // and moves nothing
 
     f.Action("mnu_savcont")->trigger();
     QVERIFY(f.host.shown.empty());

@@ -53,12 +53,14 @@ bool LayoutEditor::eventFilter(QObject* watched, QEvent* event) {
     if (m_locked) m_lockedMenu(static_cast<QContextMenuEvent*>(event)->globalPos());
     return true;  // unlocked, the right button belongs to the arrangement
   }
-  if (type == QEvent::MouseButtonPress)
-    return Press(control, static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
-  return true;  // a right double click or release must not reach the control either
+  if (type == QEvent::MouseButtonPress) {
+    Press(control, static_cast<QMouseEvent*>(event)->globalPosition().toPoint());
+    return false;  // the press still reaches the control: the list selects under the pointer
+  }
+  return true;  // a right double click or release must not reach the control
 }
 
-bool LayoutEditor::Press(QWidget* control, QPoint global) {
+void LayoutEditor::Press(QWidget* control, QPoint global) {
   m_target = control;
   m_dragging = true;
   m_start = global;
@@ -67,7 +69,6 @@ bool LayoutEditor::Press(QWidget* control, QPoint global) {
   const QPoint local = control->mapFromGlobal(global);
   m_resizing = local.x() >= control->width() - kGrip && local.y() >= control->height() - kGrip;
   QApplication::setOverrideCursor(m_resizing ? Qt::SizeFDiagCursor : Qt::SizeAllCursor);
-  return true;
 }
 
 void LayoutEditor::Drag(QPoint global) {

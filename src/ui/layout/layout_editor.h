@@ -32,7 +32,7 @@ protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-  bool Press(QWidget* control, QPoint global);
+  void Press(QWidget* control, QPoint global);
   void Drag(QPoint global);
   void Release();
 
