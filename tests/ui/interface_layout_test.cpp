@@ -67,6 +67,10 @@ private slots:
     Fixture f;
     f.Open();
     QCOMPARE(f.Action("mnu_lockcont")->text(), QString("&Lock interface settings..."));
+    const QList<QObject*> holders =
+        f.window.findChild<QMenu*>("mnu_interface")->menuAction()->associatedObjects();
+    QCOMPARE(holders.size(), 1);
+    QCOMPARE(qobject_cast<QMenu*>(holders.front())->title(), QString("&Options"));
     QWidget* fm = f.Control("cystfm");
     const QRect before = fm->geometry();
     RightDrag(fm, {5, 5}, {20, -20});

@@ -42,15 +42,18 @@ void WindowLayout::AddMenu() {
   ShowLockCaption();
 
   // In the Options menu, before the file-type registration (or last when that is gone).
-  QMenu* options = nullptr;
-  for (QAction* action : m_window.menuBar()->actions())
-    if (action->menu() && action->text() == QStringLiteral("&Options")) options = action->menu();
-  if (!options) return;
-  QAction* before = nullptr;
-  for (QAction* action : options->actions())
-    if (action->text() == QStringLiteral("Register file types")) before = action;
-  options->insertMenu(before, menu);
-  options->insertSeparator(before);
+  const QList<QMenu*> menus = m_window.findChildren<QMenu*>();
+  const auto options = std::find_if(menus.begin(), menus.end(), [](const QMenu* each) {
+    return each->title() == QStringLiteral("&Options");
+  });
+  if (options == menus.end()) return;
+  const QList<QAction*> items = (*options)->actions();
+  const auto before = std::find_if(items.begin(), items.end(), [](const QAction* item) {
+    return item->text() == QStringLiteral("Register file types");
+  });
+  QAction* const place = before == items.end() ? nullptr : *before;
+  (*options)->insertMenu(place, menu);
+  (*options)->insertSeparator(place);
 }
 
 void WindowLayout::Load() {
