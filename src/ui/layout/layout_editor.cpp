@@ -35,15 +35,22 @@ bool LayoutEditor::eventFilter(QObject* watched, QEvent* event) {
                      type == QEvent::MouseMove || type == QEvent::MouseButtonRelease;
   if (!mouse && type != QEvent::ContextMenu) return false;
   auto* widget = qobject_cast<QWidget*>(watched);
-  if (!widget || widget->window() != &m_window) return false;
+  if (!widget) return false;
+  const bool ours = widget->window() == &m_window;
 
   if (m_dragging) {  // a drag under way owns the mouse until the right button comes up
-    if (!mouse) return true;
-    const auto* press = static_cast<QMouseEvent*>(event);
-    if (type == QEvent::MouseMove && m_target) Drag(press->globalPosition().toPoint());
-    if (type == QEvent::MouseButtonRelease && press->button() == Qt::RightButton) Release();
-    return true;
+    if (!mouse) return ours;
+    const auto* drag = static_cast<QMouseEvent*>(event);
+    // The button may come up elsewhere (a message box opened by the press): the drag ends.
+    if ((type == QEvent::MouseButtonRelease && drag->button() == Qt::RightButton) ||
+        (type == QEvent::MouseMove && !(drag->buttons() & Qt::RightButton))) {
+      Release();
+      return ours;
+    }
+    if (type == QEvent::MouseMove && ours && m_target) Drag(drag->globalPosition().toPoint());
+    return ours;
   }
+  if (!ours) return false;
   if (mouse && (m_locked || type == QEvent::MouseMove ||
                 static_cast<QMouseEvent*>(event)->button() != Qt::RightButton))
     return false;
