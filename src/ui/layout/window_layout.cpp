@@ -131,10 +131,6 @@ LayoutSnapshot WindowLayout::Snapshot() const {
   return snapshot;
 }
 
-bool WindowLayout::Locked() const {
-  return m_editor->Locked();
-}
-
 void WindowLayout::ShowLockCaption() {
   // The caption follows the stored lock, so it always names what a click does.
   const bool locked = ReadInterfaceLock(m_settings.Store()).locked;

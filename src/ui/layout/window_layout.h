@@ -39,8 +39,6 @@ public:
 
   /// Every control's rectangle and the window's size, as a save writes them.
   LayoutSnapshot Snapshot() const;
-  /// Whether the lock was in force when the arrangement was loaded.
-  bool Locked() const;
 
 protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
