@@ -12,6 +12,7 @@
 #include "core/settings/general_settings.h"
 #include "core/settings/registry_store.h"
 #include "ui/favorites_menu.h"
+#include "ui/layout/window_layout.h"
 #include "ui/main_window.h"
 #include "ui/message_box.h"
 #include "ui/qt_host.h"
@@ -85,6 +86,7 @@ int RunDesktop(int argc, char** argv) {
     });
     return QApplication::exec();
   }
+  (new WindowLayout(window, host, settings))->Load();
   PlaceWindow(window, settings);
   window.show();
   // The start-up may ask questions: let the window appear under them first.

@@ -43,6 +43,17 @@ QLabel* PanelField(QWidget* parent, const char* name) {
   return label;
 }
 
+// Rows of controls on a panel of their own, so that the arrangement can move them as one.
+QWidget* RowPanel(QWidget* parent, const char* name, std::initializer_list<QLayout*> rows) {
+  auto* panel = new QWidget(parent);
+  panel->setObjectName(name);
+  auto* layout = new QVBoxLayout(panel);
+  layout->setContentsMargins(0, 0, 0, 0);
+  for (QLayout* row : rows)
+    layout->addLayout(row);
+  return panel;
+}
+
 }  // namespace
 
 MainWindow::MainWindow(Host& host, AppSettings& settings, FileOperations& operations,
@@ -99,6 +110,7 @@ QWidget* MainWindow::BuildPanel() {
   auto* panel = new QWidget(this);
 
   auto* info = new QGroupBox("ROM information", panel);
+  info->setObjectName("Picture1");
   auto* form = new QFormLayout(info);
   m_txtTipo = PanelField(info, "txtTipo");
   m_txtbits = PanelField(info, "txtbits");
@@ -128,6 +140,7 @@ QWidget* MainWindow::BuildPanel() {
   });
 
   m_tabs = new EmulatorTabs(m_model, panel);
+  m_tabs->setObjectName("Picture2");
   connect(m_tabs, &EmulatorTabs::optionsChanged, this, &MainWindow::Render);
 
   m_cmbCartLang = new QComboBox(panel);
@@ -164,9 +177,8 @@ QWidget* MainWindow::BuildPanel() {
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(info);
   layout->addWidget(m_tabs);
-  layout->addLayout(country);
-  layout->addLayout(extra);
-  layout->addLayout(m_launchRow);
+  layout->addWidget(RowPanel(panel, "Picture3", {country, extra}));
+  layout->addWidget(RowPanel(panel, "Picture5", {m_launchRow}));
   layout->addStretch(1);
   return panel;
 }

@@ -79,6 +79,8 @@ std::optional<std::string> QtHost::AskText(std::string_view prompt, std::string_
   dialog.setLabelText(ToQt(prompt));
   dialog.setTextValue(ToQt(initial));
   dialog.setTextEchoMode(masked ? QLineEdit::Password : QLineEdit::Normal);
+  // Each hidden character shows as "*", as password fields have always done here.
+  if (masked) dialog.setStyleSheet("QLineEdit { lineedit-password-character: 42; }");
   if (dialog.exec() != QDialog::Accepted) return std::nullopt;
   return FromQt(dialog.textValue());
 }
