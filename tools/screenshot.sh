@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Takes docs/screenshot-main.png: the desktop program on the demo collection, under Xvfb,
+# Takes docs/screenshot-main.png and docs/screenshot-header.png (the header editor): the desktop program on the demo collection, under Xvfb,
 # with settings kept in the build folder so a developer's own are never touched.
 # Usage: tools/screenshot.sh [BUILD_DIR]   (default build/default)
 set -euo pipefail
@@ -39,3 +39,16 @@ DISPLAY=$display xdotool key --window "$window" Down Down
 sleep 1
 DISPLAY=$display import -window "$window" "$out"
 echo "Wrote $out"
+
+# The header editor of the same cartridge, opened from Tools with the keyboard.
+header_out=docs/screenshot-header.png
+DISPLAY=$display xdotool key --window "$window" alt+t h
+dialog=
+for _ in $(seq 100); do
+  dialog=$(DISPLAY=$display xdotool search --name '^Header of' 2> /dev/null | head -n1) && [ -n "$dialog" ] && break
+  sleep 0.1
+done
+[ -n "$dialog" ] || { echo "screenshot: the header editor did not appear" >&2; exit 1; }
+sleep 1
+DISPLAY=$display import -window "$dialog" "$header_out"
+echo "Wrote $header_out"

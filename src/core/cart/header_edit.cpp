@@ -27,21 +27,21 @@ constexpr std::array kTextFields{
                     "domestic name"},
     HeaderTextField{HeaderText::OverseasName, header_field::kOverseasName, "&Overseas name:",
                     "overseas name"},
-    HeaderTextField{HeaderText::ProductType, header_field::kProductType, "&Type:",
+    HeaderTextField{HeaderText::ProductType, header_field::kProductType, "&Product type:",
                     "product type"},
     HeaderTextField{HeaderText::Serial, header_field::kSerial, "Se&rial:", "serial number"},
     HeaderTextField{HeaderText::Version, header_field::kVersion, "&Version:", "version"},
-    HeaderTextField{HeaderText::Devices, header_field::kDevices, "De&vices:", "devices field"},
-    HeaderTextField{HeaderText::RamInfo, {0x1B0, 4}, "RAM &info:", "RAM info"},
+    HeaderTextField{HeaderText::Devices, header_field::kDevices, "Dev&ices:", "devices field"},
+    HeaderTextField{HeaderText::RamInfo, {0x1B0, 4}, "RAM info:", "RAM info"},
     HeaderTextField{HeaderText::Modem, {0x1BC, 12}, "&Modem:", "modem field"},
-    HeaderTextField{HeaderText::Memo, {0x1C8, 40}, "M&emo:", "memo"},
+    HeaderTextField{HeaderText::Memo, {0x1C8, 40}, "Memo:", "memo"},
     HeaderTextField{HeaderText::Countries, header_field::kCountries, "Cou&ntries:",
                     "countries field"},
 };
 
 constexpr std::array kAddressFields{
-    HeaderAddressField{HeaderAddress::RomStart, 0x1A0, "ROM &start:", "ROM start address"},
-    HeaderAddressField{HeaderAddress::RomEnd, 0x1A4, "ROM en&d:", "ROM end address"},
+    HeaderAddressField{HeaderAddress::RomStart, 0x1A0, "ROM s&tart:", "ROM start address"},
+    HeaderAddressField{HeaderAddress::RomEnd, 0x1A4, "ROM &end:", "ROM end address"},
     HeaderAddressField{HeaderAddress::RamStart, 0x1B4, "RAM st&art:", "RAM start address"},
     HeaderAddressField{HeaderAddress::RamEnd, 0x1B8, "RAM end:", "RAM end address"},
 };

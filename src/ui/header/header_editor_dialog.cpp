@@ -41,10 +41,10 @@ HeaderEditorDialog::HeaderEditorDialog(HeaderEditor& editor, Host& host, QWidget
   const std::string path = PathToUtf8(editor.Path());
   setWindowTitle(ToQt("Header of " + PathToUtf8(editor.Path().filename())));
 
-  auto* where = new QLabel(ToQt(path + "\n" +
-                                std::string(FormatDescription(editor.ImageLayout()))),
-                           this);
-  where->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  // The title names the file; the whole path is a hover away.
+  auto* where =
+      new QLabel(ToQt("Layout: " + std::string(FormatDescription(editor.ImageLayout()))), this);
+  where->setToolTip(ToQt(path));
 
   constexpr std::array game{HeaderText::System,      HeaderText::MakerDate,
                             HeaderText::DomesticName, HeaderText::OverseasName,
