@@ -64,7 +64,8 @@ private slots:
     });
     header->trigger();
     QVERIFY(stayedOpen);
-    QCOMPARE(f.host.shown.back(), std::string("The version is 3 characters long; it holds at most 2."));
+    QCOMPARE(f.host.shown.back(),
+             std::string("The version is 3 characters long; it holds at most 2."));
 
     auto file = BinaryFile::Open(Utf8ToPath(f.sandbox.Demo() + "/Harbor Lights (U).smd"));
     QVERIFY(file.ok());

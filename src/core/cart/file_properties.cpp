@@ -146,8 +146,7 @@ Result<std::vector<PropertyRow>> MemberRows(const std::filesystem::path& archive
         if (name == member && !found) found = std::move(bytes);
       });
   if (!found && !read) return read.error();
-  if (!found)
-    return Error{std::string(member) + " is no longer in " + PathToUtf8(archive) + "."};
+  if (!found) return Error{std::string(member) + " is no longer in " + PathToUtf8(archive) + "."};
   if (!*found) return found->error();
   const std::string& bytes = **found;
 

@@ -21,22 +21,22 @@ namespace {
 
 constexpr std::array kTextFields{
     HeaderTextField{HeaderText::System, {0x100, 16}, "S&ystem:", "system name"},
-    HeaderTextField{HeaderText::MakerDate, header_field::kMakerDate, "&Copyright:",
-                    "copyright (maker and date)"},
-    HeaderTextField{HeaderText::DomesticName, header_field::kDomesticName, "&Domestic name:",
-                    "domestic name"},
-    HeaderTextField{HeaderText::OverseasName, header_field::kOverseasName, "&Overseas name:",
-                    "overseas name"},
-    HeaderTextField{HeaderText::ProductType, header_field::kProductType, "&Product type:",
-                    "product type"},
+    HeaderTextField{HeaderText::MakerDate, header_field::kMakerDate,
+                    "&Copyright:", "copyright (maker and date)"},
+    HeaderTextField{HeaderText::DomesticName, header_field::kDomesticName,
+                    "&Domestic name:", "domestic name"},
+    HeaderTextField{HeaderText::OverseasName, header_field::kOverseasName,
+                    "&Overseas name:", "overseas name"},
+    HeaderTextField{HeaderText::ProductType, header_field::kProductType,
+                    "&Product type:", "product type"},
     HeaderTextField{HeaderText::Serial, header_field::kSerial, "Se&rial:", "serial number"},
     HeaderTextField{HeaderText::Version, header_field::kVersion, "&Version:", "version"},
     HeaderTextField{HeaderText::Devices, header_field::kDevices, "Dev&ices:", "devices field"},
     HeaderTextField{HeaderText::RamInfo, {0x1B0, 4}, "RAM info:", "RAM info"},
     HeaderTextField{HeaderText::Modem, {0x1BC, 12}, "&Modem:", "modem field"},
     HeaderTextField{HeaderText::Memo, {0x1C8, 40}, "Memo:", "memo"},
-    HeaderTextField{HeaderText::Countries, header_field::kCountries, "Cou&ntries:",
-                    "countries field"},
+    HeaderTextField{HeaderText::Countries, header_field::kCountries,
+                    "Cou&ntries:", "countries field"},
 };
 
 constexpr std::array kAddressFields{
@@ -49,8 +49,7 @@ constexpr std::array kAddressFields{
 constexpr std::string_view kDeviceLetters = "J460KRPTBVFCLM";
 constexpr std::string_view kCountryLetters = "JUEAB4F8";
 
-std::vector<HeaderCode> CodesOf(std::string_view letters,
-                                std::string (*decode)(std::string_view)) {
+std::vector<HeaderCode> CodesOf(std::string_view letters, std::string (*decode)(std::string_view)) {
   std::vector<HeaderCode> codes;
   // The decoders hold the meanings: a letter alone decodes to its name.
   for (char letter : letters)
@@ -86,8 +85,8 @@ Result<std::uint32_t> ParseHex(std::string_view text, std::string_view name, std
     return Error{fmt::format("The {} \"{}\" is not a hexadecimal number.", name, text)};
   }
   if (error == std::errc::result_out_of_range || (value >> (digits * 4 - 1) >> 1) != 0) {
-    return Error{fmt::format("The {} \"{}\" does not fit in {} hexadecimal digits.", name, text,
-                             digits)};
+    return Error{
+        fmt::format("The {} \"{}\" does not fit in {} hexadecimal digits.", name, text, digits)};
   }
   return value;
 }
@@ -112,8 +111,8 @@ Status ReplaceHeader(const std::filesystem::path& image, Layout layout, const st
       return written;
   }
   std::filesystem::permissions(writer->TemporaryPath(), permissions, error);
-  if (error) return Error{"Cannot keep the permissions of " + PathToUtf8(image) + ": " +
-                          error.message()};
+  if (error)
+    return Error{"Cannot keep the permissions of " + PathToUtf8(image) + ": " + error.message()};
   return writer->Commit();
 }
 
@@ -178,8 +177,7 @@ Result<HeaderEditor> HeaderEditor::Open(const std::filesystem::path& image) {
   }
   auto file = BinaryFile::Open(image);
   if (!file) return file.error();
-  if (!IsWritableByUser(image))
-    return Error{name + " is read-only; its header cannot be changed."};
+  if (!IsWritableByUser(image)) return Error{name + " is read-only; its header cannot be changed."};
   const Layout layout = DetectRomFormat(*file);
   if (layout == Layout::NoRom)
     return Error{name + " is not a cartridge image; it has no header to change."};
@@ -252,8 +250,9 @@ Status HeaderEditor::Validate() const {
   // Only a mark the image had can be lost; an image found by its copier header alone may
   // never have carried one.
   if (mark(m_saved) && !mark(m_bytes)) {
-    return Error{"The system name must begin with SEGA: without it the image is no longer "
-                 "recognised as a cartridge."};
+    return Error{
+        "The system name must begin with SEGA: without it the image is no longer "
+        "recognised as a cartridge."};
   }
   const AddressRange rom = ReadRomRange(Slice(m_bytes, header_field::kRomRange.offset, 8));
   if (rom.end < rom.start) return Error{"The ROM end address lies before its start."};

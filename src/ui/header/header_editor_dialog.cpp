@@ -46,9 +46,9 @@ HeaderEditorDialog::HeaderEditorDialog(HeaderEditor& editor, Host& host, QWidget
       new QLabel(ToQt("Layout: " + std::string(FormatDescription(editor.ImageLayout()))), this);
   where->setToolTip(ToQt(path));
 
-  constexpr std::array game{HeaderText::System,      HeaderText::MakerDate,
+  constexpr std::array game{HeaderText::System,       HeaderText::MakerDate,
                             HeaderText::DomesticName, HeaderText::OverseasName,
-                            HeaderText::ProductType, HeaderText::Serial,
+                            HeaderText::ProductType,  HeaderText::Serial,
                             HeaderText::Version};
   constexpr std::array other{HeaderText::Modem, HeaderText::Memo};
   constexpr std::array memoryTexts{HeaderText::RamInfo};
@@ -117,9 +117,8 @@ QGroupBox* HeaderEditorDialog::Group(const QString& title, std::span<const Heade
     const HeaderAddressField& field = AddressFieldOf(id);
     edit->setObjectName("txt" + FieldName(field.label));
     edit->setToolTip("Up to eight hexadecimal digits");
-    edit->setPlaceholderText(id == HeaderAddress::RamStart || id == HeaderAddress::RamEnd
-                                 ? "none"
-                                 : QString());
+    edit->setPlaceholderText(
+        id == HeaderAddress::RamStart || id == HeaderAddress::RamEnd ? "none" : QString());
     form->addRow(ToQt(field.label), edit);
     m_addresses[id] = edit;
   }

@@ -31,8 +31,9 @@ TEST_F(FilePropertiesTest, AnImageAndTheSameImageInAnArchiveShowTheSameData) {
   std::string logical = test::MakeCartridge(64 * 1024, 8);
   logical.replace(0x18E, 2, "\x12\x34");
   test::WriteImage(PathOf("game.smd"), logical, Layout::Smd);
-  test::WriteTestFile(PathOf("roms.zip"),
-                      BuildZipArchive({{"in/game.smd", EncodeImage(logical, Layout::Smd)}}).value());
+  test::WriteTestFile(
+      PathOf("roms.zip"),
+      BuildZipArchive({{"in/game.smd", EncodeImage(logical, Layout::Smd)}}).value());
   const std::string crc = Crc32Text(HashImageBytes(logical, "game").value().hashes.crc32);
 
   const Rows file = Read(PathToUtf8(Dir()), "game.smd", false);
