@@ -46,6 +46,18 @@ constexpr std::array kAddressFields{
     HeaderAddressField{HeaderAddress::RamEnd, 0x1B8, "RAM end:", "RAM end address"},
 };
 
+// TextFieldOf and AddressFieldOf index the tables by the enumerators.
+constexpr bool InEnumOrder() {
+  for (std::size_t i = 0; i < kTextFields.size(); ++i) {
+    if (static_cast<std::size_t>(kTextFields[i].id) != i) return false;
+  }
+  for (std::size_t i = 0; i < kAddressFields.size(); ++i) {
+    if (static_cast<std::size_t>(kAddressFields[i].id) != i) return false;
+  }
+  return true;
+}
+static_assert(InEnumOrder());
+
 constexpr std::string_view kDeviceLetters = "J460KRPTBVFCLM";
 constexpr std::string_view kCountryLetters = "JUEAB4F8";
 
@@ -117,14 +129,6 @@ Status ReplaceHeader(const std::filesystem::path& image, Layout layout, const st
 }
 
 }  // namespace
-
-std::span<const HeaderTextField> HeaderTextFields() {
-  return kTextFields;
-}
-
-std::span<const HeaderAddressField> HeaderAddressFields() {
-  return kAddressFields;
-}
 
 const HeaderTextField& TextFieldOf(HeaderText id) {
   return kTextFields[static_cast<std::size_t>(id)];
@@ -267,6 +271,7 @@ Status HeaderEditor::Validate() const {
 Status HeaderEditor::Save(bool fixChecksum, Host* progress) {
   const std::string name = PathToUtf8(m_path);
   if (Status valid = Validate(); !valid) return valid;
+  if (!Changed() && !fixChecksum) return {};
   if (!IsWritableByUser(m_path)) return Error{name + " is read-only; its header was not changed."};
   std::string header = m_bytes;
   {

@@ -47,9 +47,7 @@ struct HeaderAddressField {
   std::string_view name;
 };
 
-/// Every text field in form order.
-std::span<const HeaderTextField> HeaderTextFields();
-std::span<const HeaderAddressField> HeaderAddressFields();
+/// A field's place, width and names.
 const HeaderTextField& TextFieldOf(HeaderText id);
 const HeaderAddressField& AddressFieldOf(HeaderAddress id);
 

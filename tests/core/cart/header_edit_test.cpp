@@ -139,6 +139,14 @@ TEST_F(HeaderEditTest, RefusesWhatHasNoHeaderToChange) {
   EXPECT_NE(message(volumes[1]).find("later volume"), std::string::npos);
   EXPECT_NE(message(PathOf("notes.txt")).find("not a cartridge image"), std::string::npos);
   EXPECT_NE(message(archive / "game.bin").find("inside the archive"), std::string::npos);
+
+  // A file that turns read-only while the editor is open keeps its bytes.
+  test::WriteImage(PathOf("late.bin"), logical, Layout::Bin);
+  HeaderEditor editor = Open(PathOf("late.bin"));
+  ASSERT_TRUE(editor.SetText(HeaderText::Memo, "late"));
+  test::MakeReadOnly(PathOf("late.bin"));
+  EXPECT_FALSE(editor.Save(false));
+  EXPECT_TRUE(Logical(PathOf("late.bin")) == logical);
 }
 
 }  // namespace
