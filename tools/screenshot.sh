@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Takes docs/screenshot-main.png and docs/screenshot-header.png (the header editor): the desktop program on the demo collection, under Xvfb,
-# with settings kept in the build folder so a developer's own are never touched.
+# Takes docs/screenshot-main.png and docs/screenshot-header.png (the header editor): the
+# desktop program on the demo collection, under Xvfb, with settings kept in the build folder
+# so a developer's own are never touched.
 # Usage: tools/screenshot.sh [BUILD_DIR]   (default build/default)
 set -euo pipefail
 cd "$(dirname "$0")/.."
