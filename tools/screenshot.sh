@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Takes docs/screenshot-main.png: the desktop program on the demo collection, under Xvfb,
-# with settings kept in the build folder so a developer's own are never touched.
+# Takes docs/screenshot-main.png and docs/screenshot-header.png (the header editor): the
+# desktop program on the demo collection, under Xvfb, with settings kept in the build folder
+# so a developer's own are never touched.
 # Usage: tools/screenshot.sh [BUILD_DIR]   (default build/default)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -26,12 +27,17 @@ for _ in $(seq 50); do [ -e "/tmp/.X11-unix/X${display#:}" ] && break; sleep 0.1
 
 DISPLAY=$display QT_QPA_PLATFORM=xcb "$program" --settings "$settings" &
 program_pid=$!
-window=
-for _ in $(seq 100); do
-  window=$(DISPLAY=$display xdotool search --name '^Genesis Romsteward' 2> /dev/null | head -n1) && [ -n "$window" ] && break
-  sleep 0.1
-done
-[ -n "$window" ] || { echo "screenshot: the window did not appear" >&2; exit 1; }
+# The id of the first window whose title matches $1, waiting up to ten seconds for it.
+find_window() {
+  local found
+  for _ in $(seq 100); do
+    found=$(DISPLAY=$display xdotool search --name "$1" 2> /dev/null | head -n1) && [ -n "$found" ] && { echo "$found"; return; }
+    sleep 0.1
+  done
+  echo "screenshot: no window titled $1 appeared" >&2
+  return 1
+}
+window=$(find_window '^Genesis Romsteward')
 sleep 1
 # Select a cartridge so the panel shows what a user sees: the third entry of the list.
 DISPLAY=$display xdotool mousemove --window "$window" 60 36 click 1
@@ -39,3 +45,11 @@ DISPLAY=$display xdotool key --window "$window" Down Down
 sleep 1
 DISPLAY=$display import -window "$window" "$out"
 echo "Wrote $out"
+
+# The header editor of the same cartridge, opened from Tools with the keyboard.
+header_out=docs/screenshot-header.png
+DISPLAY=$display xdotool key --window "$window" alt+t h
+dialog=$(find_window '^Header of')
+sleep 1
+DISPLAY=$display import -window "$dialog" "$header_out"
+echo "Wrote $header_out"

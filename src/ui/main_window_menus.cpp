@@ -12,6 +12,7 @@
 #include "core/host/app_title.h"
 #include "core/host/host.h"
 #include "ui/file_type_commands.h"
+#include "ui/header/header_commands.h"
 #include "ui/main_window.h"
 #include "ui/qt_text.h"
 
@@ -87,6 +88,8 @@ QMenu* MainWindow::BuildFileMenu() {
   AddCommand(menu, "Move...", "mnu_move", &MainWindowModel::MoveSelected);
   AddCommand(menu, "Delete...", "mnu_delete", &MainWindowModel::DeleteSelected);
   AddCommand(menu, "&Rename...", "mnu_ren", &MainWindowModel::RenameSelected);
+  menu->addSeparator();
+  AddPropertiesItem(*this, menu, m_host);
   return menu;
 }
 
@@ -96,6 +99,7 @@ QMenu* MainWindow::BuildToolsMenu() {
   connect(menu, &QMenu::aboutToShow, this, [this] { Run([this] { m_model.OpenToolsMenu(); }); });
   AddCommand(menu, "Check CRC", "mnu_crc", &MainWindowModel::CheckSelectedCrc);
   AddCommand(menu, "R&estore CRC", "mnu_getcrc", &MainWindowModel::RestoreSelectedCrc);
+  AddHeaderEditorItem(*this, menu, m_host);
   menu->addSeparator();
   AddCommand(menu, "Convert IPS to Dynamic Patch...", "mnu_ips2dyn",
              &MainWindowModel::ConvertIpsToDynamicPatches);
