@@ -55,7 +55,7 @@ void AddHeaderEditorItem(MainWindow& window, QMenu* menu, Host& host) {
 }
 
 void AddPropertiesItem(MainWindow& window, QMenu* menu, Host& host) {
-  QAction* action = menu->addAction("P&roperties...");
+  QAction* action = menu->addAction("&Properties...");
   action->setObjectName("mnu_prop");
   QObject::connect(action, &QAction::triggered, &window,
                    [&window, &host] { ShowSelectedProperties(window, host); });

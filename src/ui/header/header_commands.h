@@ -13,7 +13,7 @@ class MainWindow;
 /// Tools menu "&Header..." (`mnu_header`, enabled by the model): the header editor on the
 /// selected image.
 void AddHeaderEditorItem(MainWindow& window, QMenu* menu, Host& host);
-/// File menu "P&roperties..." (`mnu_prop`): the properties of the selected entry.
+/// File menu "&Properties..." (`mnu_prop`): the properties of the selected entry.
 void AddPropertiesItem(MainWindow& window, QMenu* menu, Host& host);
 
 /// What the two items run (the toolbar's buttons and the tests call them too).
