@@ -13,6 +13,8 @@
 #include "core/host/host.h"
 #include "ui/file_type_commands.h"
 #include "ui/main_window.h"
+#include "ui/main_window_toolbar.h"
+#include "ui/preview/preview_menu.h"
 #include "ui/qt_text.h"
 
 namespace romsteward::ui {
@@ -54,6 +56,7 @@ void MainWindow::BuildMenus() {
   bar->addMenu(BuildOptionsMenu());
   m_helpMenu = BuildHelpMenu();
   bar->addMenu(m_helpMenu);
+  AddMainToolbar(*this);
 }
 
 QMenu* MainWindow::BuildDirectoryMenu() {
@@ -87,6 +90,8 @@ QMenu* MainWindow::BuildFileMenu() {
   AddCommand(menu, "Move...", "mnu_move", &MainWindowModel::MoveSelected);
   AddCommand(menu, "Delete...", "mnu_delete", &MainWindowModel::DeleteSelected);
   AddCommand(menu, "&Rename...", "mnu_ren", &MainWindowModel::RenameSelected);
+  menu->addSeparator();
+  AddPreviewMenu(*this, m_host, menu);
   return menu;
 }
 
