@@ -15,10 +15,7 @@ Status SaveShowPreview(AppSettings& settings, bool shown) {
 }
 
 std::optional<WindowPosition> LoadPreviewPosition(const AppSettings& settings) {
-  const std::optional<int> x = StoredNumber(settings.GetSetting(kSectionSettings, "prevX"));
-  const std::optional<int> y = StoredNumber(settings.GetSetting(kSectionSettings, "prevY"));
-  if (!x || !y) return std::nullopt;
-  return WindowPosition{*x, *y};
+  return LoadPosition(settings, "prevX", "prevY");
 }
 
 Status SavePreviewPosition(AppSettings& settings, WindowPosition position) {
