@@ -196,7 +196,8 @@ public:
   void DeleteSavedGame(std::size_t index);
   /// The preview picture of the selection while "&Activated" is checked: the cartridge's own
   /// picture, else "romsteward.jpg" in `programDirectory`; nullopt when neither exists, when
-  /// nothing is selected or the preview is off.
+  /// nothing is selected, the selection is no image on disk (an archive member, a file that
+  /// is no image) or the preview is off.
   std::optional<std::string> PreviewPicture(std::string_view programDirectory) const;
   /// Choosing the selected cartridge's own picture: kept in its `Cartridge` setting
   /// "<entry>.pic". A file `decodable` refuses gives kInvalidPicture and keeps the old one.
