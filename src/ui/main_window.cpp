@@ -217,6 +217,7 @@ void MainWindow::Render() {
     button->setVisible(state.visible);
   }
   m_rendering = false;
+  emit rendered();
 }
 
 void MainWindow::RenderSelection() {
@@ -268,6 +269,8 @@ void MainWindow::RenderPanel() {
 }
 
 void MainWindow::BindAction(QAction* action, std::string name) {
+  // Found by the model's name (the toolbar triggers menu items this way).
+  if (action->objectName().isEmpty()) action->setObjectName(QString::fromStdString(name));
   m_bound.emplace_back(action, std::move(name));
 }
 

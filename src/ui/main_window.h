@@ -69,6 +69,8 @@ public:
 signals:
   /// Enter or a double click on an entry: the launch command's trigger.
   void launchRequested();
+  /// The end of every Render: parts that follow the model (the preview window) look again.
+  void rendered();
 
 protected:
   void closeEvent(QCloseEvent* event) override;

@@ -14,6 +14,8 @@
 #include "ui/file_type_commands.h"
 #include "ui/header/header_commands.h"
 #include "ui/main_window.h"
+#include "ui/main_window_toolbar.h"
+#include "ui/preview/preview_menu.h"
 #include "ui/qt_text.h"
 
 namespace romsteward::ui {
@@ -55,6 +57,7 @@ void MainWindow::BuildMenus() {
   bar->addMenu(BuildOptionsMenu());
   m_helpMenu = BuildHelpMenu();
   bar->addMenu(m_helpMenu);
+  AddMainToolbar(*this);
 }
 
 QMenu* MainWindow::BuildDirectoryMenu() {
@@ -90,6 +93,7 @@ QMenu* MainWindow::BuildFileMenu() {
   AddCommand(menu, "&Rename...", "mnu_ren", &MainWindowModel::RenameSelected);
   menu->addSeparator();
   AddPropertiesItem(*this, menu, m_host);
+  AddPreviewMenu(*this, m_host, menu);
   return menu;
 }
 

@@ -12,6 +12,7 @@
 #include "core/patch/patch_commands.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/option_commands.h"
+#include "core/settings/preview_settings.h"
 #include "core/tools/file_commands.h"
 
 namespace romsteward {
@@ -43,6 +44,7 @@ void MainWindowModel::Start() {
   m_controls["mnu_save"].checked = general.saveOnExit;
   m_controls["mnu_savcart"].checked = general.saveAllCartridges;
   m_controls["mnu_tray"].checked = general.minimizeInTray;
+  m_controls["mnu_preview"].checked = LoadShowPreview(m_settings);
   LoadDefaultOptions(m_settings, m_controls["chkIPS"].enabled, m_options);
   m_controls["CmdCalib"].enabled = !m_options.disableJoypad;
   ShowFirstRunNotice(m_host, m_settings);

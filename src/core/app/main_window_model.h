@@ -52,6 +52,7 @@ inline constexpr std::string_view kRenameFirstVolume =
     "Romsteward can't work without this standard. Ok to rename current ROM?";
 /// The picture shown for a cartridge that has none of its own, in the program's directory.
 inline constexpr std::string_view kDefaultPicture = "romsteward.jpg";
+inline constexpr std::string_view kInvalidPicture = "Preview picture is in a invalid file format!";
 
 /// The main window without a screen: the place (`Diret`), its list and selection, the
 /// texts and every menu item's caption, enabled and checked state, and the commands that
@@ -195,8 +196,18 @@ public:
   void DeleteSavedGame(std::size_t index);
   /// The preview picture of the selection while "&Activated" is checked: the cartridge's own
   /// picture, else "romsteward.jpg" in `programDirectory`; nullopt when neither exists, when
-  /// nothing is selected or the preview is off.
+  /// nothing is selected, the selection is no image on disk (an archive member, a file that
+  /// is no image) or the preview is off.
   std::optional<std::string> PreviewPicture(std::string_view programDirectory) const;
+  /// Choosing the selected cartridge's own picture: kept in its `Cartridge` setting
+  /// "<entry>.pic". A file `decodable` refuses gives kInvalidPicture and keeps the old one.
+  void ChoosePreviewPicture(const std::function<bool(const std::string&)>& decodable);
+  /// Forgets the selected cartridge's own picture (the default one shows again).
+  void ClearPreviewPicture();
+  bool HasOwnPreviewPicture() const;
+  /// The preview window's place (`prevX`, `prevY`), nullopt when none is stored.
+  std::optional<WindowPosition> PreviewPosition() const;
+  void SavePreviewPosition(WindowPosition position);
 
   // Favorites.
   /// Connects the launch command that favorites and RunImagePath use.
@@ -250,6 +261,8 @@ private:
   WindowControls m_controls;
   EmulatorOptions m_options;
   int m_countryIndex = 0;
+  // Only an image on disk has a picture: not an archive member, not a file that is no image.
+  bool m_previewable = false;
   std::string m_extraCommandLine;
   std::vector<std::string> m_favoriteMenu;
   LaunchStep m_launchStep;

@@ -93,6 +93,7 @@ void MainWindowModel::ShowRomInfo() {
 
   const bool noImage = !zip && layout == Layout::NoRom;
   const bool splitLater = layout == Layout::SplitLater;
+  m_previewable = !noImage && !zip;
   if (noImage || splitLater) {
     m_texts.caption = Caption(kNoValidRoms);
     m_controls.SetEnabled({"chkIPS", "mnu_conv", "mnu_savthiscart", "mnu_del", "mnu_tool", "btncrc",
@@ -218,20 +219,6 @@ void MainWindowModel::DeleteSavedGame(std::size_t index) {
   }
   CopyBoxCommDialog(m_host, m_operations, {PathToUtf8(*file)}, {}, "del");
   FillSavedGames();
-}
-
-void MainWindowModel::TogglePreview() {
-  m_controls["mnu_preview"].checked = !m_controls["mnu_preview"].checked;
-}
-
-std::optional<std::string> MainWindowModel::PreviewPicture(
-    std::string_view programDirectory) const {
-  if (!m_controls["mnu_preview"].checked || !m_selection) return std::nullopt;
-  const std::string own = m_settings.GetSetting(kSectionCartridge, SelectedText() + ".pic");
-  if (!own.empty() && PathExists(own, PathKind::File)) return own;
-  const std::string fallback = JoinDirName(programDirectory, kDefaultPicture);
-  if (PathExists(fallback, PathKind::File)) return fallback;
-  return std::nullopt;
 }
 
 void MainWindowModel::ShowDatName() {

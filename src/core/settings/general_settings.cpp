@@ -41,8 +41,13 @@ Status SaveSaveOnExit(AppSettings& settings, bool checked) {
 }
 
 std::optional<WindowPosition> LoadWindowPosition(const AppSettings& settings) {
-  const std::optional<int> x = StoredNumber(settings.GetSetting(kSectionSettings, "LaunchX"));
-  const std::optional<int> y = StoredNumber(settings.GetSetting(kSectionSettings, "LaunchY"));
+  return LoadPosition(settings, "LaunchX", "LaunchY");
+}
+
+std::optional<WindowPosition> LoadPosition(const AppSettings& settings, std::string_view xKey,
+                                           std::string_view yKey) {
+  const std::optional<int> x = StoredNumber(settings.GetSetting(kSectionSettings, xKey));
+  const std::optional<int> y = StoredNumber(settings.GetSetting(kSectionSettings, yKey));
   if (!x || !y) return std::nullopt;
   return WindowPosition{*x, *y};
 }

@@ -38,5 +38,9 @@ struct WindowPosition {
 
 /// The stored position; nullopt (centre the window) unless both values are usable.
 std::optional<WindowPosition> LoadWindowPosition(const AppSettings& settings);
+/// A position kept as the numbers `xKey`, `yKey` of section `Settings`; nullopt unless both
+/// values are usable.
+std::optional<WindowPosition> LoadPosition(const AppSettings& settings, std::string_view xKey,
+                                           std::string_view yKey);
 
 }  // namespace romsteward

@@ -31,20 +31,31 @@ protected:
 
 TEST_F(MainWindowCommandsTest, StartUpReadsTheChecksShowsTheNoticeAndOpensTheLastPlace) {
   const std::string dir = Collection();
-  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "dir0", dir));
-  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "savex", "True"));
-  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "tray", "True"));
-  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "frm", "5"));
-  // GenEmnew alone is no known emulator.
-  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "Genemnew", "/games/gennew.exe"));
+  Put(dir, "notes.txt", "text");
+  // GenEmnew alone is no known emulator; an unreadable choice keeps its default.
+  for (const auto& [key, value] :
+       std::vector<std::pair<std::string, std::string>>{{"dir0", dir},
+                                                        {"dir1", "/elsewhere"},
+                                                        {"savex", "True"},
+                                                        {"tray", "True"},
+                                                        {"frm", "5"},
+                                                        {"Genemnew", "/games/gennew.exe"},
+                                                        {"ordem", "1"},
+                                                        {"show", "0"},
+                                                        {"title", "junk"}})
+    ASSERT_TRUE(settings.SaveSetting(kSectionSettings, key, value));
   model.Start();
   EXPECT_EQ(Notices(), 1u);
   EXPECT_TRUE(model.Controls()["mnu_save"].checked);
   EXPECT_FALSE(model.Controls()["mnu_savcart"].checked);
   EXPECT_TRUE(model.Controls()["mnu_tray"].checked);
   EXPECT_EQ(model.Options().genFrameSkip, 5);
+  EXPECT_EQ(model.Order(), SortOrder::Type);
+  EXPECT_EQ(model.Filter(), ListFilter::AllFiles);
+  EXPECT_TRUE(model.Controls()["mnuTitle(0)"].checked);
   EXPECT_EQ(model.Diret(), dir);
-  EXPECT_THAT(model.Entries(), ElementsAre("alpha.bin", "beta.smd"));
+  EXPECT_THAT(model.Entries(), ElementsAre("alpha.bin", "beta.smd", "notes.txt"));
+  EXPECT_EQ(model.Controls()["mnu_dirs(1)"].caption, "/elsewhere");
 
   ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "KGen", "/games/kgen.exe"));
   MainWindowModel again(host, settings);

@@ -178,20 +178,5 @@ TEST_F(MainWindowModelTest, HistoryMovesAChosenEntryToTheTopOnlyWhenItOpens) {
   EXPECT_THAT(History(false), ElementsAre(dirs[1], dirs[4], dirs[3], dirs[2], dirs[0]));
 }
 
-TEST_F(MainWindowModelTest, StartUpRestoresTheChoicesAndOpensTheLastPlace) {
-  const std::string dir = Collection();
-  for (const auto& [key, value] : std::vector<std::pair<std::string, std::string>>{
-           {"ordem", "1"}, {"show", "0"}, {"title", "junk"}, {"dir0", dir}, {"dir1", "/elsewhere"}})
-    ASSERT_TRUE(settings.SaveSetting(kSectionSettings, key, value).ok());
-  model.LoadListChoices();
-  model.LoadDirHistory();
-  EXPECT_EQ(model.Order(), SortOrder::Type);
-  EXPECT_EQ(model.Filter(), ListFilter::AllFiles);
-  EXPECT_TRUE(model.Controls()["mnuTitle(0)"].checked);  // an unreadable choice keeps its default
-  EXPECT_EQ(model.Diret(), dir);
-  EXPECT_EQ(model.Entries().size(), 5u);
-  EXPECT_THAT(History(false), ElementsAre(dir, "/elsewhere", "", "", ""));
-}
-
 }  // namespace
 }  // namespace romsteward

@@ -198,12 +198,13 @@ TEST_F(SelectionPanelTest, SavedGamesAreListedAndDeletedOneByOne) {
               ElementsAre("Genecyst State", "KGen State", "KGen Snapshots:", " - game0.kss"));
 }
 
-TEST_F(SelectionPanelTest, ThePreviewFallsBackToTheProgramsPicture) {
+TEST_F(SelectionPanelTest, ThePreviewShowsTheCartridgesPictureElseTheProgramsOne) {
   Collection();
   const std::string program = MakeDir("program");
   SelectName("game.bin");
   EXPECT_EQ(model.PreviewPicture(program), std::nullopt);  // the preview is off
   model.TogglePreview();
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "showprev"), "True");
   EXPECT_EQ(model.PreviewPicture(program), std::nullopt);  // no picture anywhere
   const std::string fallback = Put(program, "romsteward.jpg", "jpeg");
   ASSERT_TRUE(settings.SaveSetting(kSectionCartridge, "game.bin.pic", "/gone/cover.jpg").ok());
@@ -211,6 +212,31 @@ TEST_F(SelectionPanelTest, ThePreviewFallsBackToTheProgramsPicture) {
   const std::string own = Put(dir, "cover.jpg", "jpeg");
   ASSERT_TRUE(settings.SaveSetting(kSectionCartridge, "game.bin.pic", own).ok());
   EXPECT_EQ(model.PreviewPicture(program), own);
+  // A file that is no image has no picture, not even the program's.
+  SelectName("zz junk.bin");
+  EXPECT_EQ(model.PreviewPicture(program), std::nullopt);
+}
+
+TEST_F(SelectionPanelTest, AChosenPictureIsKeptOnlyWhenItDecodes) {
+  Collection();
+  SelectName("game.bin");
+  const std::string good = Put(dir, "good.png", "png");
+  const std::string bad = Put(dir, "bad.png", "text");
+  const auto decodable = [&](const std::string& path) { return path == good; };
+  host.AnswerOpenFile(good);
+  model.ChoosePreviewPicture(decodable);
+  EXPECT_EQ(settings.GetSetting(kSectionCartridge, "game.bin.pic"), good);
+  host.AnswerOpenFile(bad);
+  model.ChoosePreviewPicture(decodable);
+  EXPECT_THAT(host.Texts(), ElementsAre("Preview picture is in a invalid file format!"));
+  EXPECT_EQ(settings.GetSetting(kSectionCartridge, "game.bin.pic"), good);
+  host.AnswerOpenFile(std::nullopt);  // cancelled: nothing changes
+  model.ChoosePreviewPicture(decodable);
+  EXPECT_TRUE(model.HasOwnPreviewPicture());
+  model.ClearPreviewPicture();
+  EXPECT_FALSE(model.HasOwnPreviewPicture());
+  model.ClearPreviewPicture();  // nothing left to forget: no message
+  EXPECT_THAT(host.Texts(), ElementsAre("Preview picture is in a invalid file format!"));
 }
 
 }  // namespace

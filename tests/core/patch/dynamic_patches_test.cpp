@@ -1,8 +1,6 @@
 #include "core/patch/dynamic_patches.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "core/patch/patch_commands.h"
 #include "core/patch/patch_dialog_model.h"
@@ -191,33 +189,6 @@ TEST_F(PatchRun, PatchesHoldForTheRunAndTheSavedOldBytesComeBackAfter) {
   }  // the end of the scope restores
   EXPECT_EQ(test::ReadTestFile(image), "S123456789");
   EXPECT_FALSE(RecordLeft());
-}
-
-TEST_F(PatchRun, RunCutShortByACrashIsTakenBackAtTheNextStart) {
-  const auto image = Put("A.BIN", "0123456789");
-  StoreRaw("A.BIN|lives", "2|" + Bytes({0, '|'}) + "|12");
-  const auto storeFile = PathOf("settings.sqlite3");
-  Close();
-  const pid_t child = fork();  // patches for a run and dies before it could restore
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    auto store = RegistryStore::Open(storeFile);
-    test::ScriptedHost host;
-    if (store.ok())
-      (void)new DynamicPatchRun(DynamicPatchRun::Apply(host, **store, "A.BIN", image));
-    _exit(store.ok() ? 0 : 1);
-  }
-  int status = 0;
-  ASSERT_EQ(waitpid(child, &status, 0), child);
-  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
-  ASSERT_EQ(test::ReadTestFile(image), "0" + Bytes({0, '|'}) + "3456789");
-
-  Reopen();
-  EXPECT_EQ(RecoverInterruptedPatchRuns(m_host, Store()), 1u);
-  EXPECT_EQ(test::ReadTestFile(image), "0123456789");
-  EXPECT_NE(m_host.Texts().at(0).find("A.BIN. Its original bytes have been put back."),
-            std::string::npos);
-  EXPECT_EQ(RecoverInterruptedPatchRuns(m_host, Store()), 0u);
 }
 
 TEST_F(PatchRun, FileGoneBeforeTheRestoreKeepsTheRecordUntilTheNextStart) {
