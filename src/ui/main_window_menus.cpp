@@ -14,6 +14,7 @@
 #include "ui/file_type_commands.h"
 #include "ui/main_window.h"
 #include "ui/qt_text.h"
+#include "ui/tools/header_tools_menu.h"
 
 namespace romsteward::ui {
 
@@ -51,6 +52,7 @@ void MainWindow::BuildMenus() {
   bar->addMenu(BuildDirectoryMenu());
   bar->addMenu(BuildFileMenu());
   bar->addMenu(BuildToolsMenu());
+  bar->addMenu(BuildConvertMenu(*this));
   bar->addMenu(BuildOptionsMenu());
   m_helpMenu = BuildHelpMenu();
   bar->addMenu(m_helpMenu);
@@ -75,6 +77,8 @@ QMenu* MainWindow::BuildDirectoryMenu() {
   AddRadioMenu(menu, "&Sort ROMs by", "mnu_sort", "mnu_sortsub",
                [this](int i) { m_model.ChooseSort(static_cast<SortOrder>(i)); });
   menu->addSeparator();
+  AddDirectoryToolItems(*this, menu);
+  menu->addSeparator();
   QAction* exit = menu->addAction("E&xit");
   connect(exit, &QAction::triggered, this, &QWidget::close);
   return menu;
@@ -96,6 +100,8 @@ QMenu* MainWindow::BuildToolsMenu() {
   connect(menu, &QMenu::aboutToShow, this, [this] { Run([this] { m_model.OpenToolsMenu(); }); });
   AddCommand(menu, "Check CRC", "mnu_crc", &MainWindowModel::CheckSelectedCrc);
   AddCommand(menu, "R&estore CRC", "mnu_getcrc", &MainWindowModel::RestoreSelectedCrc);
+  menu->addSeparator();
+  AddSplitJoinItems(*this, menu);
   menu->addSeparator();
   AddCommand(menu, "Convert IPS to Dynamic Patch...", "mnu_ips2dyn",
              &MainWindowModel::ConvertIpsToDynamicPatches);
