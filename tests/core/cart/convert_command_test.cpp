@@ -10,45 +10,32 @@
 namespace romsteward {
 namespace {
 
-class ConvertCommandTest : public test::TempDirTest {
-protected:
-  std::string m_logical = [] {
-    CartridgeSpec spec;
-    spec.size = 32 * 1024;
-    return BuildCartridgeImage(spec);
-  }();
-  test::ScriptedHost m_host;
-};
+// Each case writes nothing: a No to replacing, an image already in the layout, and an SMD
+// image named .bin whose BIN output would be the source itself.
+TEST(ConvertCommand, WritesNothingUnlessThereIsSomethingToDoAndLeaveToReplace) {
+  test::TempDir dir;
+  test::ScriptedHost host;
+  CartridgeSpec spec;
+  spec.size = 32 * 1024;
+  const std::string logical = BuildCartridgeImage(spec);
+  const auto source = dir.Write("game.bin", logical);
+  dir.Write("game.smd", "keep me");
 
-TEST_F(ConvertCommandTest, AnExistingOutputIsReplacedOnlyAfterYes) {
-  const auto source = PathOf("game.bin");
-  test::WriteTestFile(source, m_logical);
-  test::WriteTestFile(PathOf("game.smd"), "keep me");
+  host.AnswerYesNo(Answer::No);
+  EXPECT_EQ(ConvertCommand(host, source, Layout::Smd), std::nullopt);
+  EXPECT_EQ(host.Texts().back(), "The file game.smd exists! Do you want to replace it?");
+  EXPECT_EQ(test::ReadTestFile(dir / "game.smd"), "keep me");
 
-  m_host.AnswerYesNo(Answer::No).AnswerYesNo(Answer::Yes);
-  EXPECT_EQ(ConvertCommand(m_host, source, Layout::Smd), std::nullopt);
-  EXPECT_EQ(test::ReadTestFile(PathOf("game.smd")), "keep me");
-  EXPECT_EQ(ConvertCommand(m_host, source, Layout::Smd), PathOf("game.smd"));
-  EXPECT_TRUE(test::ReadTestFile(PathOf("game.smd")) == EncodeImage(m_logical, Layout::Smd));
-  EXPECT_EQ(m_host.Texts().front(), "The file game.smd exists! Do you want to replace it?");
-  EXPECT_TRUE(test::ReadTestFile(source) == m_logical);
-}
+  EXPECT_EQ(ConvertCommand(host, source, Layout::Bin), std::nullopt);
+  EXPECT_EQ(host.Events().back().icon, MessageIcon::Information);
+  EXPECT_EQ(host.Texts().back(), "game.bin is already in Super Magic Drive Binary (BIN) layout.");
 
-// Nothing to do, and a name that would make the output the source itself: said, not written.
-TEST_F(ConvertCommandTest, SameLayoutAndOwnNameWriteNothing) {
-  const auto source = PathOf("game.bin");
-  test::WriteTestFile(source, m_logical);
-  EXPECT_EQ(ConvertCommand(m_host, source, Layout::Bin), std::nullopt);
-  EXPECT_EQ(m_host.Events().back().icon, MessageIcon::Information);
-  EXPECT_EQ(m_host.Events().back().text,
-            "game.bin is already in Super Magic Drive Binary (BIN) layout.");
-
-  const std::string smd = EncodeImage(m_logical, Layout::Smd);
-  const auto misnamed = PathOf("other.bin");
-  test::WriteTestFile(misnamed, smd);
-  EXPECT_EQ(ConvertCommand(m_host, misnamed, Layout::Bin), std::nullopt);
-  EXPECT_EQ(m_host.Events().back().icon, MessageIcon::Critical);
+  const std::string smd = EncodeImage(logical, Layout::Smd);
+  const auto misnamed = dir.Write("other.bin", smd);
+  EXPECT_EQ(ConvertCommand(host, misnamed, Layout::Bin), std::nullopt);
+  EXPECT_EQ(host.Events().back().icon, MessageIcon::Critical);
   EXPECT_TRUE(test::ReadTestFile(misnamed) == smd);
+  EXPECT_TRUE(test::ReadTestFile(source) == logical);
 }
 
 }  // namespace
