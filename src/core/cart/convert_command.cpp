@@ -12,8 +12,7 @@ constexpr std::string_view kConvertTitle = "Convert";
 
 }  // namespace
 
-std::optional<std::filesystem::path> ConvertCommand(Host& host,
-                                                    const std::filesystem::path& source,
+std::optional<std::filesystem::path> ConvertCommand(Host& host, const std::filesystem::path& source,
                                                     Layout layout) {
   const std::filesystem::path output = DefaultConvertOutput(source, layout);
   auto plan = PlanConversion(source, layout, output);
@@ -26,10 +25,9 @@ std::optional<std::filesystem::path> ConvertCommand(Host& host,
                      kConvertTitle);
     return std::nullopt;
   }
-  if (plan->replacesOutput &&
-      host.AskYesNo("The file " + PathToUtf8(output.filename()) +
-                        " exists! Do you want to replace it?",
-                    MessageIcon::Question, kConvertTitle) != Answer::Yes)
+  if (plan->replacesOutput && host.AskYesNo("The file " + PathToUtf8(output.filename()) +
+                                                " exists! Do you want to replace it?",
+                                            MessageIcon::Question, kConvertTitle) != Answer::Yes)
     return std::nullopt;
   if (Status converted = ConvertImage(source, layout, output, true); !converted) {
     host.ShowMessage(converted.error().message, MessageIcon::Critical, kConvertTitle);

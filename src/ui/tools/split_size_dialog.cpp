@@ -105,7 +105,8 @@ SplitSizeDialog::SplitSizeDialog(SplitSizeChooser& chooser, QWidget* parent)
 
 void SplitSizeDialog::ShowChooser() {
   m_tam->button(m_chooser.SelectedOption())->setChecked(true);
-  if (m_text1->text() != ToQt(m_chooser.CustomText())) m_text1->setText(ToQt(m_chooser.CustomText()));
+  if (m_text1->text() != ToQt(m_chooser.CustomText()))
+    m_text1->setText(ToQt(m_chooser.CustomText()));
 }
 
 // Typed keys pass the chooser's key filter; the field's editing keys (backspace, delete,
