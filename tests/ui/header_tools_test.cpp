@@ -208,7 +208,8 @@ private slots:
     // The header's ROM end now names the file's last byte.
     const std::string header = ReadAll(f.Demo("Tailed (W).bin"));
     std::size_t end = 0;
-    for (int i = 0x1A4; i < 0x1A8; ++i) end = end * 256 + static_cast<std::uint8_t>(header[i]);
+    for (int i = 0x1A4; i < 0x1A8; ++i)
+      end = end * 256 + static_cast<std::uint8_t>(header[i]);
     QCOMPARE(end, header.size() - 1);
   }
 
