@@ -33,10 +33,15 @@ Result<ConversionPlan> PlanConversion(const std::filesystem::path& source, Layou
   if (!file) return file.error();
   ConversionPlan plan;
   plan.from = DetectRomFormat(*file);
+  if (plan.from != Layout::Bin && plan.from != Layout::Smd && plan.from != Layout::Md)
+    return Error{PathToUtf8(source.filename()) +
+                 " is no BIN, SMD or MD image; only those can be converted (join a split set "
+                 "first)."};
   std::error_code error;
   if (plan.from != layout && std::filesystem::equivalent(source, output, error))
     return Error{"Converting " + PathToUtf8(source) +
-                 " would replace it; name another output file."};
+                 " would write over it, as its name already fits the new layout; rename it "
+                 "first or name another output file."};
   plan.replacesOutput = std::filesystem::exists(output, error);
   return plan;
 }

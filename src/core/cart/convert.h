@@ -17,7 +17,7 @@ std::filesystem::path DefaultConvertOutput(const std::filesystem::path& source, 
 
 /// What converting `source` to `layout` into `output` would do, decided before anything is
 /// written: refused (the message says why) when `layout` is not BIN, SMD or MD, when
-/// `source` cannot be read, or when `output` is `source` itself.
+/// `source` cannot be read or is no BIN, SMD or MD image, or when `output` is `source`.
 struct ConversionPlan {
   Layout from = Layout::NoRom;  ///< the source's layout; equal to the target: nothing to do
   bool replacesOutput = false;  ///< `output` exists already

@@ -10,8 +10,8 @@
 namespace romsteward {
 namespace {
 
-// Each case writes nothing: a No to replacing, an image already in the layout, and an SMD
-// image named .bin whose BIN output would be the source itself.
+// Each case writes nothing: a No to replacing, an image already in the layout, an SMD image
+// named .bin whose BIN output would be the source itself, and a file that is no image.
 TEST(ConvertCommand, WritesNothingUnlessThereIsSomethingToDoAndLeaveToReplace) {
   test::TempDir dir;
   test::ScriptedHost host;
@@ -36,6 +36,14 @@ TEST(ConvertCommand, WritesNothingUnlessThereIsSomethingToDoAndLeaveToReplace) {
   EXPECT_EQ(host.Events().back().icon, MessageIcon::Critical);
   EXPECT_TRUE(test::ReadTestFile(misnamed) == smd);
   EXPECT_TRUE(test::ReadTestFile(source) == logical);
+
+  // Not an image: refused before the replace question is asked.
+  const auto notes = dir.Write("notes.txt", "text");
+  dir.Write("notes.smd", "keep me too");
+  EXPECT_EQ(ConvertCommand(host, notes, Layout::Smd), std::nullopt);
+  EXPECT_EQ(host.Texts().back(),
+            "notes.txt is no BIN, SMD or MD image; only those can be converted (join a split "
+            "set first).");
 }
 
 }  // namespace
