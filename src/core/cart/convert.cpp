@@ -34,7 +34,7 @@ Result<ConversionPlan> PlanConversion(const std::filesystem::path& source, Layou
   ConversionPlan plan;
   plan.from = DetectRomFormat(*file);
   if (plan.from != Layout::Bin && plan.from != Layout::Smd && plan.from != Layout::Md)
-    return Error{PathToUtf8(source.filename()) +
+    return Error{PathToUtf8(source) +
                  " is no BIN, SMD or MD image; only those can be converted (join a split set "
                  "first)."};
   std::error_code error;
@@ -47,8 +47,8 @@ Result<ConversionPlan> PlanConversion(const std::filesystem::path& source, Layou
 }
 
 std::string AlreadyInLayoutMessage(const std::filesystem::path& source, Layout layout) {
-  return PathToUtf8(source.filename()) + " is already in " +
-         std::string(FormatDescription(layout)) + " layout.";
+  return PathToUtf8(source) + " is already in " + std::string(FormatDescription(layout)) +
+         " layout.";
 }
 
 Status ConvertImage(const std::filesystem::path& source, Layout layout,

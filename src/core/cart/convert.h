@@ -25,7 +25,7 @@ struct ConversionPlan {
 Result<ConversionPlan> PlanConversion(const std::filesystem::path& source, Layout layout,
                                       const std::filesystem::path& output);
 
-/// "game.bin is already in Super Magic Drive Binary (BIN) layout."
+/// "/roms/game.bin is already in Super Magic Drive Binary (BIN) layout."
 std::string AlreadyInLayoutMessage(const std::filesystem::path& source, Layout layout);
 
 /// Converts a BIN, SMD or MD image into another of these layouts as a new file. The source

@@ -28,7 +28,8 @@ TEST(ConvertCommand, WritesNothingUnlessThereIsSomethingToDoAndLeaveToReplace) {
 
   EXPECT_EQ(ConvertCommand(host, source, Layout::Bin), std::nullopt);
   EXPECT_EQ(host.Events().back().icon, MessageIcon::Information);
-  EXPECT_EQ(host.Texts().back(), "game.bin is already in Super Magic Drive Binary (BIN) layout.");
+  EXPECT_EQ(host.Texts().back(),
+            source.string() + " is already in Super Magic Drive Binary (BIN) layout.");
 
   const std::string smd = EncodeImage(logical, Layout::Smd);
   const auto misnamed = dir.Write("other.bin", smd);
@@ -42,8 +43,9 @@ TEST(ConvertCommand, WritesNothingUnlessThereIsSomethingToDoAndLeaveToReplace) {
   dir.Write("notes.smd", "keep me too");
   EXPECT_EQ(ConvertCommand(host, notes, Layout::Smd), std::nullopt);
   EXPECT_EQ(host.Texts().back(),
-            "notes.txt is no BIN, SMD or MD image; only those can be converted (join a split "
-            "set first).");
+            notes.string() +
+                " is no BIN, SMD or MD image; only those can be converted (join a split "
+                "set first).");
 }
 
 }  // namespace
