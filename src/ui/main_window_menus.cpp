@@ -17,6 +17,7 @@
 #include "ui/main_window_toolbar.h"
 #include "ui/preview/preview_menu.h"
 #include "ui/qt_text.h"
+#include "ui/tools/header_tools_menu.h"
 
 namespace romsteward::ui {
 
@@ -54,6 +55,7 @@ void MainWindow::BuildMenus() {
   bar->addMenu(BuildDirectoryMenu());
   bar->addMenu(BuildFileMenu());
   bar->addMenu(BuildToolsMenu());
+  bar->addMenu(BuildConvertMenu(*this));
   bar->addMenu(BuildOptionsMenu());
   m_helpMenu = BuildHelpMenu();
   bar->addMenu(m_helpMenu);
@@ -78,6 +80,8 @@ QMenu* MainWindow::BuildDirectoryMenu() {
                [this](int i) { m_model.ChooseFilter(static_cast<ListFilter>(i)); });
   AddRadioMenu(menu, "&Sort ROMs by", "mnu_sort", "mnu_sortsub",
                [this](int i) { m_model.ChooseSort(static_cast<SortOrder>(i)); });
+  menu->addSeparator();
+  AddDirectoryToolItems(*this, menu);
   menu->addSeparator();
   QAction* exit = menu->addAction("E&xit");
   connect(exit, &QAction::triggered, this, &QWidget::close);
@@ -104,6 +108,8 @@ QMenu* MainWindow::BuildToolsMenu() {
   AddCommand(menu, "Check CRC", "mnu_crc", &MainWindowModel::CheckSelectedCrc);
   AddCommand(menu, "R&estore CRC", "mnu_getcrc", &MainWindowModel::RestoreSelectedCrc);
   AddHeaderEditorItem(*this, menu, m_host);
+  menu->addSeparator();
+  AddSplitJoinItems(*this, menu);
   menu->addSeparator();
   AddCommand(menu, "Convert IPS to Dynamic Patch...", "mnu_ips2dyn",
              &MainWindowModel::ConvertIpsToDynamicPatches);

@@ -13,6 +13,7 @@
 #include "ui/message_box.h"
 #include "ui/qt_text.h"
 #include "ui/question_dialog.h"
+#include "ui/tools/split_size_dialog.h"
 
 namespace romsteward::ui {
 
@@ -116,20 +117,9 @@ std::optional<std::string> QtHost::ChooseFromList(std::string_view title,
 }
 
 int QtHost::ChooseSplitSize(SplitSizeChooser& chooser) {
-  // The plain form of the chooser: one of the fixed sizes, refused ones asked again.
-  QStringList sizes;
-  for (int option = 0; option < SplitSizeChooser::kPresetCount; ++option)
-    sizes << ToQt(SplitSizeChooser::OptionCaption(option));
-  for (;;) {
-    bool ok = false;
-    const QString size = QInputDialog::getItem(m_parent, ToQt(chooser.Caption()), {}, sizes,
-                                               chooser.SelectedOption(), false, &ok);
-    if (!ok) return SplitSizeChooser::kCancelled;
-    chooser.SelectOption(static_cast<int>(sizes.indexOf(size)));
-    Result<int> accepted = chooser.Accept();
-    if (accepted) return *accepted;
-    ShowMessage(accepted.error().message, MessageIcon::Critical, {});
-  }
+  SplitSizeDialog dialog(chooser, m_parent);
+  dialog.exec();
+  return dialog.Size();
 }
 
 void QtHost::BeginProgress(std::string_view caption) {

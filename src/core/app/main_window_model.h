@@ -11,6 +11,7 @@
 #include "core/app/launch_command.h"
 #include "core/app/launch_step.h"
 #include "core/app/window_controls.h"
+#include "core/cart/layout.h"
 #include "core/library/rom_scan.h"
 #include "core/library/rom_sort.h"
 #include "core/settings/emulator_options.h"
@@ -133,6 +134,15 @@ public:
   void RestoreSelectedCrc();          ///< "R&estore CRC"
   void ConvertIpsToDynamicPatches();  ///< "Convert IPS to Dynamic Patch..."
   void RemoveDynamicPatches();        ///< "Remove dynamic patches..."
+
+  // The file tools: IPS, split, join and conversion. Each refreshes the list after changing
+  // the place; a command that makes one new image selects it.
+  void CreateIps();                     ///< "C&reate IPS..."
+  void ApplyIps();                      ///< "&Apply IPS..."
+  void JoinAnyFiles();                  ///< "Join Files..."
+  void SplitSelected();                 ///< "&Split ROM..."
+  void JoinSelected();                  ///< "&Join ROMs"
+  void ConvertSelected(Layout layout);  ///< "&Convert" > BIN, SMD or MD
 
   ListFilter Filter() const;
   SortOrder Order() const;
