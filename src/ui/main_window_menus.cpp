@@ -13,7 +13,9 @@
 #include "core/host/host.h"
 #include "ui/file_type_commands.h"
 #include "ui/main_window.h"
+#include "ui/patch/patch_window.h"
 #include "ui/qt_text.h"
+#include "ui/report/report_editor.h"
 
 namespace romsteward::ui {
 
@@ -75,6 +77,8 @@ QMenu* MainWindow::BuildDirectoryMenu() {
   AddRadioMenu(menu, "&Sort ROMs by", "mnu_sort", "mnu_sortsub",
                [this](int i) { m_model.ChooseSort(static_cast<SortOrder>(i)); });
   menu->addSeparator();
+  AddRomListItem(*this, menu, m_host);
+  menu->addSeparator();
   QAction* exit = menu->addAction("E&xit");
   connect(exit, &QAction::triggered, this, &QWidget::close);
   return menu;
@@ -97,6 +101,7 @@ QMenu* MainWindow::BuildToolsMenu() {
   AddCommand(menu, "Check CRC", "mnu_crc", &MainWindowModel::CheckSelectedCrc);
   AddCommand(menu, "R&estore CRC", "mnu_getcrc", &MainWindowModel::RestoreSelectedCrc);
   menu->addSeparator();
+  AddPatchWindowItem(*this, menu, m_host);
   AddCommand(menu, "Convert IPS to Dynamic Patch...", "mnu_ips2dyn",
              &MainWindowModel::ConvertIpsToDynamicPatches);
   AddCommand(menu, "Remove dynamic patches...", "mnu_tirapatch",

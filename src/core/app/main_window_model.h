@@ -82,6 +82,8 @@ public:
   void Close(WindowPosition position);
   /// The general choices as the menus show them now.
   GeneralSettings General() const;
+  /// The settings store the window's dialogs read and write.
+  AppSettings& Settings() { return m_settings; }
 
   // The place.
   const std::string& Diret() const { return m_diret; }
