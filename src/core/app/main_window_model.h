@@ -134,6 +134,8 @@ public:
   void RestoreSelectedCrc();          ///< "R&estore CRC"
   void ConvertIpsToDynamicPatches();  ///< "Convert IPS to Dynamic Patch..."
   void RemoveDynamicPatches();        ///< "Remove dynamic patches..."
+  /// After the "Dynamic patching" window: "Activate dynamic patch" follows the store.
+  void DynamicPatchesChanged();
 
   ListFilter Filter() const;
   SortOrder Order() const;

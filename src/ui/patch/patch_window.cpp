@@ -150,7 +150,7 @@ QAction* AddPatchWindowItem(MainWindow& window, QMenu* menu, Host& host) {
     }
     PatchWindow dialog(*model, &window);
     dialog.exec();
-    main.Select(main.Selection());
+    main.DynamicPatchesChanged();
     window.Render();
   });
   return action;

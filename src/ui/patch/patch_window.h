@@ -44,7 +44,7 @@ private:
 };
 
 /// Adds "Dynamic &patching..." (`mnu_patch`) to `menu`: it opens the window modally on the
-/// selected image, then shows the selection again so that "Activate dynamic patch" follows.
+/// selected image; afterwards "Activate dynamic patch" follows.
 QAction* AddPatchWindowItem(MainWindow& window, QMenu* menu, Host& host);
 
 }  // namespace romsteward::ui
