@@ -60,8 +60,7 @@ private slots:
   void TheWindowStartsOnTheImage() {
     Fixture f;
     QCOMPARE(f.window.windowTitle(), QString("Dynamic patching"));
-    QCOMPARE(f.window.findChild<QLabel*>("lbltam")->text(),
-             QString("524,288 bytes (4 Megabits)"));
+    QCOMPARE(f.window.findChild<QLabel*>("lbltam")->text(), QString("524,288 bytes (4 Megabits)"));
     QCOMPARE(f.window.NameField()->selectedText(), QString("-Name-"));
   }
 

@@ -19,7 +19,11 @@ namespace romsteward::ui {
 
 ReportEditor::ReportEditor(RomListForm& form, Host& host, const AppSettings& settings,
                            RomListSource source, QWidget* parent)
-    : QDialog(parent), m_form(form), m_host(host), m_settings(settings), m_source(std::move(source)) {
+    : QDialog(parent),
+      m_form(form),
+      m_host(host),
+      m_settings(settings),
+      m_source(std::move(source)) {
   setObjectName("frmLista");
   setWindowTitle("Create ROM list");
 
@@ -70,6 +74,7 @@ void ReportEditor::BuildMenus(QMenu* script, QMenu* insert, QMenu* options) {
     if (name && !gameName) gameName = insert->addMenu("&Game name");
     QAction* action = (name ? gameName : insert)->addAction(ToQt(item.caption));
     const QString text = ToQt(item.text);
+    action->setObjectName("mnu_ins" + QString(text).remove('%').remove('-'));
     connect(action, &QAction::triggered, this, [this, text] {
       m_text->insertPlainText(text);
       m_text->setFocus();
