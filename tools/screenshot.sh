@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Takes docs/screenshot-main.png: the desktop program on the demo collection, under Xvfb,
+# Takes docs/screenshot-main.png (the desktop program on the demo collection) and the dialog
+# pictures docs/screenshot-patch.png and docs/screenshot-report.png, under Xvfb,
 # with settings kept in the build folder so a developer's own are never touched.
 # Usage: tools/screenshot.sh [BUILD_DIR]   (default build/default)
 set -euo pipefail
@@ -39,3 +40,7 @@ DISPLAY=$display xdotool key --window "$window" Down Down
 sleep 1
 DISPLAY=$display import -window "$window" "$out"
 echo "Wrote $out"
+
+# The dialogs, one picture each, on the same display and demo collection.
+shots=$build/src/ui/romsteward-dialog-shots
+DISPLAY=$display QT_QPA_PLATFORM=xcb "$shots" "$work/demo" "$settings" docs

@@ -34,7 +34,9 @@ ReportEditor::ReportEditor(RomListForm& form, Host& host, const AppSettings& set
   ShowTemplate();
 
   auto* bar = new QMenuBar(this);
-  BuildMenus(bar->addMenu("&Script"), bar->addMenu("&Insert"), bar->addMenu("&Options"));
+  QMenu* script = bar->addMenu("&Script");
+  QMenu* insert = bar->addMenu("&Insert");
+  BuildMenus(script, insert, bar->addMenu("&Options"));
 
   auto* buttons = new QDialogButtonBox(this);
   QPushButton* create = buttons->addButton("C&reate list...", QDialogButtonBox::ActionRole);
