@@ -256,6 +256,8 @@ void MainWindow::RenderPanel() {
 }
 
 void MainWindow::BindAction(QAction* action, std::string name) {
+  // Other parts find an item by the model's name (the toolbar, tests).
+  if (action->objectName().isEmpty()) action->setObjectName(ToQt(name));
   m_bound.emplace_back(action, std::move(name));
 }
 

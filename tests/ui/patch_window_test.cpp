@@ -165,7 +165,7 @@ private slots:
     QVERIFY(chkIPS->isEnabled());  // the panel follows the new patch
 
     host.yesNo = {Answer::Yes};
-    window.Action("mnu_tirapatch")->trigger();
+    window.findChild<QAction*>("mnu_tirapatch")->trigger();
     QVERIFY(!chkIPS->isEnabled());
     QVERIFY(!HasDynamicPatches(sandbox.Settings().Store(), kImage));
   }

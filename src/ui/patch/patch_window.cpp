@@ -136,7 +136,6 @@ bool PatchWindow::eventFilter(QObject* watched, QEvent* event) {
 
 QAction* AddPatchWindowItem(MainWindow& window, QMenu* menu, Host& host) {
   QAction* action = menu->addAction("Dynamic &patching...");
-  action->setObjectName("mnu_patch");
   window.BindAction(action, "mnu_patch");
   QObject::connect(action, &QAction::triggered, &window, [&window, &host] {
     MainWindowModel& main = window.Model();

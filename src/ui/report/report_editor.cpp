@@ -121,7 +121,6 @@ void ReportEditor::TakeTemplate() {
 
 QAction* AddRomListItem(MainWindow& window, QMenu* menu, Host& host) {
   QAction* action = menu->addAction("Create ROM List...");
-  action->setObjectName("mnu_lista");
   window.BindAction(action, "mnu_lista");
   QObject::connect(action, &QAction::triggered, &window, [&window, &host] {
     MainWindowModel& main = window.Model();
