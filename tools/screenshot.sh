@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Takes docs/screenshot-main.png and docs/screenshot-header.png (the header editor): the
-# desktop program on the demo collection, under Xvfb, with settings kept in the build folder
-# so a developer's own are never touched.
+# Takes docs/screenshot-main.png (the desktop program on the demo collection), the header
+# editor's docs/screenshot-header.png and the dialog pictures docs/screenshot-patch.png and
+# docs/screenshot-report.png, under Xvfb, with settings kept in the build folder so a
+# developer's own are never touched.
 # Usage: tools/screenshot.sh [BUILD_DIR]   (default build/default)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -53,3 +54,7 @@ dialog=$(find_window '^Header of')
 sleep 1
 DISPLAY=$display import -window "$dialog" "$header_out"
 echo "Wrote $header_out"
+
+# The dialogs, one picture each, on the same display and demo collection.
+shots=$build/src/ui/romsteward-dialog-shots
+DISPLAY=$display QT_QPA_PLATFORM=xcb "$shots" "$work/demo" "$settings" docs

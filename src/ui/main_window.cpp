@@ -269,8 +269,8 @@ void MainWindow::RenderPanel() {
 }
 
 void MainWindow::BindAction(QAction* action, std::string name) {
-  // Found by the model's name (the toolbar triggers menu items this way).
-  if (action->objectName().isEmpty()) action->setObjectName(QString::fromStdString(name));
+  // Other parts find an item by the model's name (the toolbar, tests).
+  if (action->objectName().isEmpty()) action->setObjectName(ToQt(name));
   m_bound.emplace_back(action, std::move(name));
 }
 

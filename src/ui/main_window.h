@@ -47,7 +47,8 @@ public:
   MainWindowModel& Model() { return m_model; }
 
   /// Gives `action` the caption, enabled, checked and visible state of the model's control
-  /// `name` at every Render; a command added later (a launch, the favorites) binds this way.
+  /// `name` at every Render, and that name as its object name unless it has one; a command
+  /// added later (a launch, the favorites) binds this way.
   void BindAction(QAction* action, std::string name);
   /// The same for a button ("Run this game!" is `CmdLaunch`); an empty model caption keeps
   /// the button's own.

@@ -16,7 +16,9 @@
 #include "ui/main_window.h"
 #include "ui/main_window_toolbar.h"
 #include "ui/preview/preview_menu.h"
+#include "ui/patch/patch_window.h"
 #include "ui/qt_text.h"
+#include "ui/report/report_editor.h"
 #include "ui/tools/header_tools_menu.h"
 
 namespace romsteward::ui {
@@ -81,6 +83,7 @@ QMenu* MainWindow::BuildDirectoryMenu() {
   AddRadioMenu(menu, "&Sort ROMs by", "mnu_sort", "mnu_sortsub",
                [this](int i) { m_model.ChooseSort(static_cast<SortOrder>(i)); });
   menu->addSeparator();
+  AddRomListItem(*this, menu, m_host);
   AddDirectoryToolItems(*this, menu);
   menu->addSeparator();
   QAction* exit = menu->addAction("E&xit");
@@ -111,6 +114,7 @@ QMenu* MainWindow::BuildToolsMenu() {
   menu->addSeparator();
   AddSplitJoinItems(*this, menu);
   menu->addSeparator();
+  AddPatchWindowItem(*this, menu, m_host);
   AddCommand(menu, "Convert IPS to Dynamic Patch...", "mnu_ips2dyn",
              &MainWindowModel::ConvertIpsToDynamicPatches);
   AddCommand(menu, "Remove dynamic patches...", "mnu_tirapatch",

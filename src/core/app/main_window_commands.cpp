@@ -162,6 +162,10 @@ void MainWindowModel::RemoveDynamicPatches() {
   FollowPatches();
 }
 
+void MainWindowModel::DynamicPatchesChanged() {
+  if (m_selection) FollowPatches();
+}
+
 // "Activate dynamic patch" is offered while the cartridge has patches and can be written.
 void MainWindowModel::FollowPatches() {
   const bool writable = m_texts.txtarquivo != kReadOnlyArchive;

@@ -84,6 +84,8 @@ public:
   void Close(WindowPosition position);
   /// The general choices as the menus show them now.
   GeneralSettings General() const;
+  /// The settings store the window's dialogs read and write.
+  AppSettings& Settings() { return m_settings; }
 
   // The place.
   const std::string& Diret() const { return m_diret; }
@@ -134,6 +136,8 @@ public:
   void RestoreSelectedCrc();          ///< "R&estore CRC"
   void ConvertIpsToDynamicPatches();  ///< "Convert IPS to Dynamic Patch..."
   void RemoveDynamicPatches();        ///< "Remove dynamic patches..."
+  /// After the "Dynamic patching" window: "Activate dynamic patch" follows the store.
+  void DynamicPatchesChanged();
 
   // The file tools: IPS, split, join and conversion. Each refreshes the list after changing
   // the place; a command that makes one new image selects it.

@@ -124,7 +124,8 @@ void MainWindowModel::ShowRomInfo() {
     readOnly = !IsWritableByUser(SelectedPath());
     if (readOnly) {
       m_controls.SetEnabled(
-          {"mnu_header", "btnheader", "mnu_crc", "btncrc", "mnu_getcrc", "chkIPS"}, false);
+          {"mnu_header", "btnheader", "mnu_crc", "btncrc", "mnu_getcrc", "chkIPS", "mnu_patch"},
+          false);
     } else {
       m_controls["mnu_getcrc"].enabled = true;
     }

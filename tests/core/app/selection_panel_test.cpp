@@ -131,7 +131,8 @@ TEST_F(SelectionPanelTest, AReadOnlyImageCanBeLaunchedButNotWritten) {
   EXPECT_TRUE(On("chkIPS"));
   SelectName("game.bin");
   EXPECT_EQ(model.Texts().txtarquivo, "Read-only archive");
-  ExpectOn({"mnu_header", "btnheader", "mnu_crc", "btncrc", "mnu_getcrc", "chkIPS"}, false);
+  ExpectOn({"mnu_header", "btnheader", "mnu_crc", "btncrc", "mnu_getcrc", "chkIPS", "mnu_patch"},
+           false);
   ExpectOn({"CmdLaunch", "mnu_addfav"}, true);
   SelectName("other.smd");
   EXPECT_EQ(model.Texts().txtarquivoColour, TextColour::Normal);
