@@ -40,8 +40,9 @@ find_window() {
 }
 window=$(find_window '^Genesis Romsteward')
 sleep 1
-# Select a cartridge so the panel shows what a user sees: the third entry of the list.
-DISPLAY=$display xdotool mousemove --window "$window" 60 36 click 1
+# Select a cartridge so the panel shows what a user sees: the first entry (under the
+# toolbar), then two down.
+DISPLAY=$display xdotool mousemove --window "$window" 60 72 click 1
 DISPLAY=$display xdotool key --window "$window" Down Down
 sleep 1
 DISPLAY=$display import -window "$window" "$out"

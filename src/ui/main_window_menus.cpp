@@ -94,7 +94,7 @@ QMenu* MainWindow::BuildDirectoryMenu() {
 QMenu* MainWindow::BuildFileMenu() {
   auto* menu = new QMenu("&File", this);
   BindAction(menu->menuAction(), "mnu_file");
-  AddCommand(menu, "Copy...", {}, &MainWindowModel::CopySelected);
+  AddCommand(menu, "Copy...", {}, &MainWindowModel::CopySelected)->setObjectName("mnu_copy");
   AddCommand(menu, "Move...", "mnu_move", &MainWindowModel::MoveSelected);
   AddCommand(menu, "Delete...", "mnu_delete", &MainWindowModel::DeleteSelected);
   AddCommand(menu, "&Rename...", "mnu_ren", &MainWindowModel::RenameSelected);
@@ -133,8 +133,10 @@ QMenu* MainWindow::BuildOptionsMenu() {
       ->setCheckable(true);
   AddCommand(menu, "Save Settings on E&xit", "mnu_save", &MainWindowModel::ToggleSaveOnExit)
       ->setCheckable(true);
-  AddCommand(menu, "Save General Settings &Now", {}, &MainWindowModel::SaveGeneralSettingsNow);
-  AddCommand(menu, "Delete &General Settings", {}, &MainWindowModel::DeleteGeneralSettingsNow);
+  AddCommand(menu, "Save General Settings &Now", {}, &MainWindowModel::SaveGeneralSettingsNow)
+      ->setObjectName("mnu_savagora");
+  AddCommand(menu, "Delete &General Settings", {}, &MainWindowModel::DeleteGeneralSettingsNow)
+      ->setObjectName("mnu_delgeral");
   menu->addSeparator();
   // Only where the desktop has a tray to minimize into.
   if (QSystemTrayIcon::isSystemTrayAvailable()) {

@@ -145,6 +145,7 @@ void QtLauncher::AddSearchItems() {
     if (action->text() == QStringLiteral("Set temporary directory...")) before = action;
   for (const EmulatorProfile& profile : EmulatorProfiles()) {
     auto* search = new QAction(ToQt(profile.locateCaption), options);
+    search->setObjectName(ToQt(profile.locateItem));
     options->insertAction(before, search);
     connect(search, &QAction::triggered, this, [this, &profile] {
       LocateEmulator(m_host, m_settings, profile);

@@ -23,6 +23,7 @@ struct EmulatorProfile {
   std::string_view pathKey;        ///< section `Settings`
   std::string_view runnerKey;      ///< section `Settings`: the runner command, empty for none
   std::string_view locateCaption;  ///< "Search GenEm..."
+  std::string_view locateItem;     ///< its menu item, `mnu_locateGen`
   std::string_view dialogTitle;    ///< "Locate GenEm.exe"
   FileFilter filter;               ///< "Executables|genem.exe"
   bool classic;                    ///< one of the four DOS-era emulators
