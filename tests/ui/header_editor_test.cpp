@@ -20,19 +20,8 @@ namespace romsteward::ui::test {
 class HeaderEditorTest : public QObject {
   Q_OBJECT
 private:
-  struct Fixture {
-    Sandbox sandbox;
-    RecordingHost host;
-    TrashFileOperations operations;
-    MainWindow window{host, sandbox.Settings(), operations};
+  struct Fixture : DemoWindow<> {
     Fixture() { window.Start(); }
-    void SelectEntry(const std::string& name) {
-      const auto& entries = window.Model().Entries();
-      const auto at = std::find(entries.begin(), entries.end(), name);
-      QVERIFY(at != entries.end());
-      window.Model().Select(static_cast<std::size_t>(at - entries.begin()));
-      window.Render();
-    }
     QAction* Item(const char* name) { return window.findChild<QAction*>(name); }
   };
 
@@ -46,7 +35,7 @@ private:
 private slots:
   void AnEditReachesTheImageAndABadOneKeepsTheDialogOpen() {
     Fixture f;
-    f.SelectEntry("Harbor Lights (U).smd");
+    QVERIFY(f.Select("Harbor Lights (U).smd"));
     QAction* header = f.Item("mnu_header");
     QVERIFY(header && header->isEnabled());
 
@@ -81,7 +70,7 @@ private slots:
     std::filesystem::permissions(Utf8ToPath(path), std::filesystem::perms::owner_read |
                                                        std::filesystem::perms::group_read |
                                                        std::filesystem::perms::others_read);
-    f.SelectEntry("Star Courier (W).bin");
+    QVERIFY(f.Select("Star Courier (W).bin"));
     QVERIFY(!f.Item("mnu_header")->isEnabled());
     f.host.shown.clear();
     f.Item("mnu_header")->setEnabled(true);  // as if the file turned read-only since
@@ -92,7 +81,7 @@ private slots:
 
   void PropertiesShowTheImagesCrc32() {
     Fixture f;
-    f.SelectEntry("Harbor Lights (U).smd");
+    QVERIFY(f.Select("Harbor Lights (U).smd"));
     const auto hashed =
         HashImageFile(Utf8ToPath(f.sandbox.Demo() + "/Harbor Lights (U).smd")).value();
     QString shown;

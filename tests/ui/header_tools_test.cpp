@@ -62,11 +62,7 @@ QPushButton* QuestionButton(QWidget* modal, const QString& caption) {
 class HeaderToolsTest : public QObject {
   Q_OBJECT
 private:
-  struct Fixture {
-    Sandbox sandbox;
-    QtHost host;
-    TrashFileOperations operations;
-    MainWindow window{host, sandbox.Settings(), operations};
+  struct Fixture : DemoWindow<QtHost> {
     Fixture() {
       host.SetParent(&window);
       window.show();
@@ -77,14 +73,6 @@ private:
     bool Listed(const std::string& name) {
       const auto& entries = model().Entries();
       return std::find(entries.begin(), entries.end(), name) != entries.end();
-    }
-    void Select(const std::string& name) {
-      const auto& entries = model().Entries();
-      const auto row =
-          static_cast<int>(std::find(entries.begin(), entries.end(), name) - entries.begin());
-      QVERIFY(row < static_cast<int>(entries.size()));
-      window.List()->setCurrentIndex(window.List()->model()->index(row, 0));
-      QCOMPARE(model().SelectedText(), name);
     }
     void Trigger(const char* name) {
       QAction* action = window.findChild<QAction*>(name);
@@ -133,7 +121,7 @@ private slots:
 
   void SplitAndJoinFromTheMenusFollowTheList() {
     Fixture f;
-    f.Select("Harbor Lights (U).smd");  // 2 Mbit
+    QVERIFY(f.Select("Harbor Lights (U).smd"));  // 2 Mbit
     QString done;
     WhenModal([&done](QWidget* chooser) {
       QCOMPARE(chooser->objectName(), "frmsplittam");
@@ -146,7 +134,7 @@ private slots:
     QVERIFY(f.Listed("Harbor Lights (U).1"));
     QCOMPARE(f.model().SelectedText(), "Harbor Lights (U).smd");
 
-    f.Select("Iron Meadow.1");
+    QVERIFY(f.Select("Iron Meadow.1"));
     WhenModal(Press(QMessageBox::Ok, &done));
     f.Trigger("mnu_join");
     QCOMPARE(done, "3 file(s) joined");
@@ -158,7 +146,7 @@ private slots:
     const QString image = f.Demo("Broken Lantern (E).bin");
     const ChecksumState before = *ReadChecksumState(image.toStdString());
     QVERIFY(!before.Correct());
-    f.Select("Broken Lantern (E).bin");
+    QVERIFY(f.Select("Broken Lantern (E).bin"));
 
     WhenModal([](QWidget* modal) {
       QCOMPARE(modal->windowTitle(), "CRC error!");
@@ -201,7 +189,7 @@ private slots:
       });
       QuestionButton(warning, "&Shut Up!")->click();
     });
-    f.Select("Tailed (W).bin");
+    QVERIFY(f.Select("Tailed (W).bin"));
     QCOMPARE(titles, QStringList({"Warning!", "Error!"}));
 
     QCOMPARE(f.sandbox.Settings().GetSetting(kSectionCartridge, "Tailed (W).bin.shutup"), "1");
@@ -217,7 +205,7 @@ private slots:
     Fixture f;
     const QString smd = f.Demo("Star Courier (W).smd");
     WriteAll(smd, "keep me");
-    f.Select("Star Courier (W).bin");
+    QVERIFY(f.Select("Star Courier (W).bin"));
 
     QString question;
     WhenModal(Press(QMessageBox::No, &question));

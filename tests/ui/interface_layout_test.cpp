@@ -22,11 +22,7 @@ namespace romsteward::ui::test {
 class InterfaceLayoutTest : public QObject {
   Q_OBJECT
 private:
-  struct Fixture {
-    Sandbox sandbox;
-    RecordingHost host;
-    TrashFileOperations operations;
-    MainWindow window{host, sandbox.Settings(), operations};
+  struct Fixture : DemoWindow<> {
     WindowLayout* layout = nullptr;
 
     // As at start: the arrangement is loaded before the window is shown.

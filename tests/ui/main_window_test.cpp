@@ -26,11 +26,7 @@ namespace romsteward::ui::test {
 class MainWindowTest : public QObject {
   Q_OBJECT
 private:
-  struct Fixture {
-    Sandbox sandbox;
-    RecordingHost host;
-    TrashFileOperations operations;
-    MainWindow window{host, sandbox.Settings(), operations};
+  struct Fixture : DemoWindow<> {
     Fixture() {
       window.show();
       window.activateWindow();

@@ -131,27 +131,18 @@ private slots:
   }
 
   void TheToolsMenuOpensItForAWritableImageOnly() {
-    Sandbox sandbox;
-    ChoosingHost host;
-    TrashFileOperations operations;
-    MainWindow window{host, sandbox.Settings(), operations};
+    DemoWindow<ChoosingHost> f;
+    auto& [sandbox, host, operations, window] = f;
     window.Start();
     MainWindowModel& model = window.Model();
-    const auto select = [&](const std::string& name) {
-      const auto& entries = model.Entries();
-      const auto at = std::find(entries.begin(), entries.end(), name);
-      QVERIFY(at != entries.end());
-      model.Select(static_cast<std::size_t>(at - entries.begin()));
-      window.Render();
-    };
     auto* patch = window.findChild<QAction*>("mnu_patch");
     auto* chkIPS = window.findChild<QCheckBox*>("chkIPS");
     QVERIFY(model.SetDiret(sandbox.Demo() + "/Pocket Pair.zip"));
-    select("Tin Soldier (U).bin");
+    QVERIFY(f.Select("Tin Soldier (U).bin"));
     QVERIFY(!patch->isEnabled());
     QVERIFY(model.SetDiret(sandbox.Demo()));
 
-    select(kImage);
+    QVERIFY(f.Select(kImage));
     QVERIFY(patch->isEnabled() && !chkIPS->isEnabled());
     WhenModal([](QWidget* modal) {
       auto* dialog = qobject_cast<PatchWindow*>(modal);

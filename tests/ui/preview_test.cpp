@@ -18,11 +18,7 @@ namespace romsteward::ui::test {
 class PreviewTest : public QObject {
   Q_OBJECT
 private:
-  struct Fixture {
-    Sandbox sandbox;
-    RecordingHost host;
-    TrashFileOperations operations;
-    MainWindow window{host, sandbox.Settings(), operations};
+  struct Fixture : DemoWindow<> {
     PreviewWindow* preview = window.findChild<PreviewWindow*>("frmPreview");
     QString defaultPicture = sandbox.Path("romsteward.jpg");
 
@@ -33,13 +29,6 @@ private:
       preview->SetProgramDirectory(sandbox.Path(""));
       window.show();
       window.Start();
-    }
-    void Select(const std::string& name) {
-      const auto& entries = window.Model().Entries();
-      const auto it = std::find(entries.begin(), entries.end(), name);
-      QVERIFY(it != entries.end());
-      window.Model().Select(static_cast<std::size_t>(it - entries.begin()));
-      window.Render();
     }
     void Trigger(const char* name) {
       QAction* action = window.findChild<QAction*>(name);
@@ -55,7 +44,7 @@ private slots:
   void ThePictureFollowsTheSelection() {
     Fixture f;
     QVERIFY(f.preview);
-    f.Select("Star Courier (W).bin");
+    QVERIFY(f.Select("Star Courier (W).bin"));
     QVERIFY(!f.preview->isVisible());  // off until "&Activated" is checked
     f.Trigger("mnu_preview");
     QCOMPARE(f.Setting("showprev"), std::string("True"));
@@ -69,7 +58,7 @@ private slots:
     QCOMPARE(f.preview->ShownPath(), own);
 
     f.window.Model().ChooseFilter(ListFilter::AllFiles);
-    f.Select("notes.txt");  // no image, no picture
+    QVERIFY(f.Select("notes.txt"));  // no image, no picture
     QVERIFY(!f.preview->isVisible());
 
     // A file that is no picture: told once, nothing shown.
@@ -79,14 +68,14 @@ private slots:
     broken.close();
     (void)f.sandbox.Settings().SaveSetting(kSectionCartridge, "Coral Archive (B).bin.pic",
                                            FromQt(broken.fileName()));
-    f.Select("Coral Archive (B).bin");
+    QVERIFY(f.Select("Coral Archive (B).bin"));
     f.window.Render();
     QCOMPARE(f.host.shown,
              std::vector<std::string>{"Preview picture is in a invalid file format!"});
     QVERIFY(!f.preview->isVisible());
 
     // Closing the preview window switches the preview off.
-    f.Select("Star Courier (W).bin");
+    QVERIFY(f.Select("Star Courier (W).bin"));
     QVERIFY(f.preview->isVisible());
     f.preview->close();
     QVERIFY(!f.window.findChild<QAction*>("mnu_preview")->isChecked());
@@ -97,7 +86,7 @@ private slots:
     Fixture f;
     (void)f.sandbox.Settings().SaveSetting(kSectionSettings, "prevX", "40");
     (void)f.sandbox.Settings().SaveSetting(kSectionSettings, "prevY", "50");
-    f.Select("Star Courier (W).bin");
+    QVERIFY(f.Select("Star Courier (W).bin"));
     f.Trigger("mnu_preview");
     QCOMPARE(f.preview->pos(), QPoint(40, 50));
     f.preview->move(120, 90);
@@ -109,7 +98,7 @@ private slots:
 
   void ToolbarButtonsTriggerTheirMenuItems() {
     Fixture f;
-    f.Select("Star Courier (W).bin");
+    QVERIFY(f.Select("Star Courier (W).bin"));
     QSignalSpy crc(f.window.findChild<QAction*>("mnu_crc"), &QAction::triggered);
     QSignalSpy picture(f.window.findChild<QAction*>("mnu_picprev"), &QAction::triggered);
     f.Trigger("btncrc");

@@ -96,10 +96,8 @@ private slots:
   }
 
   void TheDirectoryMenuReportsTheWindowsList() {
-    Sandbox sandbox;
-    FileHost host;
-    TrashFileOperations operations;
-    MainWindow window{host, sandbox.Settings(), operations};
+    DemoWindow<FileHost> f;
+    auto& [sandbox, host, operations, window] = f;
     window.Start();
     const QString output = sandbox.Path("list.txt");
     host.file = FromQt(output);

@@ -1,11 +1,13 @@
 #include "ui_test_support.h"
 
 #include <QApplication>
+#include <algorithm>
 #include <QTimer>
 #include <QWidget>
 
 #include "core/common/strings.h"
 #include "core/demo/demo_collection.h"
+#include "ui/rom_list_view.h"
 
 namespace romsteward::ui::test {
 
@@ -48,6 +50,16 @@ Sandbox::Sandbox() {
   // A known emulator: no first-run notice in the way.
   (void)m_settings->SaveSetting(kSectionSettings, "Genem", "/games/genem.exe");
   (void)m_settings->SaveSetting(kSectionSettings, "dir0", Demo());
+}
+
+bool SelectEntry(MainWindow& window, std::string_view name) {
+  window.Render();  // the list shows the model's entries, also after a direct model call
+  const auto& entries = window.Model().Entries();
+  const auto at = std::find(entries.begin(), entries.end(), name);
+  if (at == entries.end()) return false;
+  RomListView* list = window.List();
+  list->setCurrentIndex(list->model()->index(static_cast<int>(at - entries.begin()), 0));
+  return window.Model().SelectedText() == name;
 }
 
 void WhenModal(std::function<void(QWidget*)> act) {

@@ -10,6 +10,8 @@
 #include "core/host/host.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/registry_store.h"
+#include "ui/main_window.h"
+#include "ui/trash_file_operations.h"
 
 class QWidget;
 
@@ -60,6 +62,21 @@ private:
   QTemporaryDir m_dir;
   std::unique_ptr<RegistryStore> m_store;
   std::unique_ptr<AppSettings> m_settings;
+};
+
+/// Selects the listed entry `name` through the list, as a click does; false when it is not
+/// listed.
+bool SelectEntry(MainWindow& window, std::string_view name);
+
+/// The main window over a sandbox's demo collection (not yet started), with `HostType`
+/// answering its prompts.
+template <class HostType = RecordingHost>
+struct DemoWindow {
+  Sandbox sandbox;
+  HostType host;
+  TrashFileOperations operations;
+  MainWindow window{host, sandbox.Settings(), operations};
+  bool Select(std::string_view name) { return SelectEntry(window, name); }
 };
 
 /// Runs `act` on the modal dialog as soon as one is open (the test then calls the code that
