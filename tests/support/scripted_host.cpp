@@ -9,6 +9,8 @@
 
 namespace romsteward::test {
 
+namespace {
+
 std::string_view PromptKindName(PromptKind kind) {
   static constexpr std::string_view kNames[] = {
       "message",       "yes/no question",  "yes/no/cancel question", "question box",
@@ -17,8 +19,6 @@ std::string_view PromptKindName(PromptKind kind) {
   const auto index = static_cast<std::size_t>(kind);
   return index < std::size(kNames) ? kNames[index] : "prompt";
 }
-
-namespace {
 
 HostEvent Event(PromptKind kind, std::string_view title, std::string_view text = {},
                 MessageIcon icon = MessageIcon::None) {

@@ -84,7 +84,6 @@ public:
 
   const std::vector<std::string>& ProgressCaptions() const { return m_progressCaptions; }
   const std::vector<int>& ProgressReports() const { return m_progressReports; }
-  bool ProgressShown() const { return m_progressOpen; }
 
   void ShowMessage(std::string_view text, MessageIcon icon, std::string_view title) override;
   Answer AskYesNo(std::string_view text, MessageIcon icon, std::string_view title) override;
@@ -134,7 +133,5 @@ private:
   bool m_shiftHeld = false;
   int m_cancelAt = 101;
 };
-
-std::string_view PromptKindName(PromptKind kind);
 
 }  // namespace romsteward::test

@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include "core/app/main_window_model.h"
+#include "core/launch/emulator_profiles.h"
 #include "core/library/place.h"
 #include "core/settings/option_commands.h"
 #include "support/place_fixture.h"
+#include "support/recording_starter.h"
 
 namespace romsteward {
 namespace {
@@ -57,7 +59,12 @@ TEST_F(MainWindowCommandsTest, StartUpReadsTheChecksShowsTheNoticeAndOpensTheLas
   EXPECT_THAT(model.Entries(), ElementsAre("alpha.bin", "beta.smd", "notes.txt"));
   EXPECT_EQ(model.Controls()["mnu_dirs(1)"].caption, "/elsewhere");
 
-  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "KGen", "/games/kgen.exe"));
+  // Locating an emulator writes its key, and the notice is not shown again.
+  host.AnswerOpenFile("/games/kgen.exe");
+  LocateEmulator(host, settings, *FindEmulatorProfile("kgen"));
+  EXPECT_EQ(host.Events().back().dialog.title, "Locate KGen.exe");
+  EXPECT_EQ(host.Events().back().dialog.filters[0].patterns, "kgen.exe");
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "KGen"), "/games/kgen.exe");
   MainWindowModel again(host, settings);
   again.Start();
   EXPECT_EQ(Notices(), 1u);
@@ -69,24 +76,30 @@ TEST_F(MainWindowCommandsTest, ClosingSavesAsTheExitChecksSayAndAlwaysThePositio
   model.Close({12, 34});
   EXPECT_EQ(settings.GetSetting(kSectionSettings, "LaunchX"), "12");
   EXPECT_EQ(settings.GetSetting(kSectionSettings, "frm"), "");
-
   model.ToggleSaveOnExit();
   EXPECT_EQ(settings.GetSetting(kSectionSettings, "savex"), "True");
   model.ChooseTitle(1);
-  model.Close({0, 0});
+  model.Close({0, 34});
   EXPECT_EQ(settings.GetSetting(kSectionSettings, "frm"), "7");
   EXPECT_EQ(settings.GetSetting(kSectionSettings, "title"), "1");
-  EXPECT_EQ(settings.GetSetting(kSectionSettings, "LaunchY"), "0");
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "LaunchY"), "34");
 }
 
-TEST_F(MainWindowCommandsTest, OptionRulesAndTheForcedCountries) {
-  model.SetFakeZ80(true);
-  EXPECT_FALSE(model.Options().enableZ80);
+TEST_F(MainWindowCommandsTest, OptionRulesAndTheForcedCountryReachTheLaunch) {
+  const std::string dir = MakeDir("roms");
+  CartridgeSpec brazilian;
+  brazilian.countries = "4";
+  Put(dir, "a.bin", ImageBytes(Layout::Bin, brazilian));
+  ASSERT_TRUE(model.SetDiret(dir));
+  model.Select(0);
+  EXPECT_NE(model.LaunchRequestForSelection().country, "Japan");
+
   model.SetEnableZ80(true);
-  EXPECT_TRUE(model.Options().enableZ80);
   EXPECT_FALSE(model.Options().fakeZ80);
   model.SetEnableZ80(false);
   EXPECT_FALSE(model.Options().fakeZ80);  // both may be off
+  model.SetFakeZ80(true);
+  EXPECT_FALSE(model.Options().enableZ80);
 
   model.SetDisableJoypad(false);
   EXPECT_TRUE(model.Controls()["CmdCalib"].enabled);
@@ -99,7 +112,24 @@ TEST_F(MainWindowCommandsTest, OptionRulesAndTheForcedCountries) {
   EXPECT_TRUE(model.Controls()["cmbCartLang"].enabled);
   model.ChooseCountry(2);
   model.ChooseCountry(3);  // out of range: ignored
-  EXPECT_EQ(model.CountryText(), "Japan");
+  model.SetExtraCommandLine("-x");
+  const LaunchRequest request = model.LaunchRequestForSelection();
+  EXPECT_EQ(request.country, "Japan");
+  EXPECT_EQ(request.entryText, "a.bin");
+  EXPECT_EQ(request.diret, dir);
+  EXPECT_EQ(request.extraCommandLine, "-x");
+  EXPECT_FALSE(request.options.enableZ80);
+  EXPECT_TRUE(model.CalibrationRequest().calibrate);
+}
+
+TEST_F(MainWindowCommandsTest, EnterStartsTheExtraCommandLineAndEmptiesIt) {
+  test::RecordingStarter starter;
+  model.SetExtraCommandLine("  xterm -e  top ");
+  model.ExecuteExtraCommandLine(starter);
+  ASSERT_EQ(starter.started.size(), 1u);
+  EXPECT_EQ(starter.started[0].program, "xterm");
+  EXPECT_THAT(starter.started[0].arguments, ElementsAre("-e", "top"));
+  EXPECT_EQ(model.ExtraCommandLine(), "");
 }
 
 TEST_F(MainWindowCommandsTest, SavingAndDeletingTheCartridgesSettings) {

@@ -88,20 +88,6 @@ TEST_F(ComposeTest, TheRomPathIsOneArgumentAndTheRunnerGoesFirst) {
             (std::vector<std::string>{"-exit", input.emulatorPath, "-calib"}));
 }
 
-TEST_F(ComposeTest, GenecystTakesItsOptionsAndTheExtraLineFromGenIni) {
-  std::filesystem::create_directories(Dir() / "emu");
-  test::WriteTestFile(Dir() / "emu" / "gen.ini", "-res 1\r\n-nofm");
-  CompositionInput input = Input("Genecyst");
-  input.extra = "-fast";
-  const EmulatorCommand command = ComposeEmulatorCommand(input);
-  EXPECT_EQ(command.process.arguments,
-            (std::vector<std::string>{"-run", "/roms/A (b)  c.bin", "-hidegui"}));
-  EXPECT_EQ(command.genIniPath, Dir() / "emu" / "gen.ini");
-  ASSERT_TRUE(command.genIniText);
-  EXPECT_TRUE(
-      command.genIniText->ends_with("\r\n-version Japan\r\n-sndrate 44100\r\n -fast\r\n-res 1"));
-}
-
 TEST_F(ComposeTest, DebianEmulatorsGetTheirOwnSwitches) {
   CompositionInput input = Input("BlastEm");
   input.options.blastFullscreen = input.options.blastNoSound = true;

@@ -89,11 +89,11 @@ TEST_F(EmulatorOptionsTest, ASetMissingOnlyAtivapatchLoadsTheGeneralSet) {
   EXPECT_EQ(controls, expected);
 }
 
-TEST_F(EmulatorOptionsTest, FourKeysHaveFallbacksThatNeverFail) {
+TEST_F(EmulatorOptionsTest, ADamagedSetFallsBackOrFailsKeyByKey) {
+  // Four keys have fallbacks that never fail.
   SaveCartridge("A.BIN", Unusual());
-  for (const char* key : {"A.BIN.frm", "A.BIN.kfrm", "A.BIN.cystskip", "A.BIN.cystsync"}) {
+  for (const char* key : {"A.BIN.frm", "A.BIN.kfrm", "A.BIN.cystskip", "A.BIN.cystsync"})
     ASSERT_TRUE(Settings().DeleteSetting("Cartridge", key));
-  }
   EmulatorOptions controls;
   controls.genFrameSkip = 9;  // shown before the selection
   controls.kgenFrameSkip = 6;
@@ -102,32 +102,27 @@ TEST_F(EmulatorOptionsTest, FourKeysHaveFallbacksThatNeverFail) {
   EXPECT_EQ(controls.kgenFrameSkip, 1);
   EXPECT_FALSE(controls.cystCpuSkipper);
   EXPECT_FALSE(controls.cystWaitVsync);
-}
 
-TEST_F(EmulatorOptionsTest, EveryOtherMissingKeyFailsTheRead) {
-  for (std::string_view key : OptionKeys()) {
-    if (key == "frm" || key == "kfrm" || key == "cystskip" || key == "cystsync" ||
-        key.starts_with("bem") || key.starts_with("mdn"))
-      continue;
-    SaveCartridge("B.BIN", Unusual());
-    ASSERT_TRUE(Settings().DeleteSetting("Cartridge", "B.BIN." + std::string(key)));
-    EmulatorOptions controls;
-    EXPECT_FALSE(LoadCartridgeOptions(Settings(), "B.BIN", true, controls)) << key;
-  }
-}
-
-TEST_F(EmulatorOptionsTest, AValueItsControlCannotTakeFailsAndReadingGoesOn) {
-  const std::pair<std::string, std::string> cases[] = {
+  // Any other missing key (nullopt) or a value its control cannot take fails the read; the
+  // bad one leaves its control alone and the rest is still read.
+  std::vector<std::pair<std::string, std::optional<std::string>>> damage = {
       {"Joy", "a"},     {"Joy", "2"},     {"frm", "0"}, {"frm", "11"},
       {"cystsnd", "3"}, {"prefemu", "5"}, {"kfrm", "x"}};
-  for (const auto& [key, bad] : cases) {
+  for (std::string_view key : OptionKeys()) {
+    if (key != "frm" && key != "kfrm" && key != "cystskip" && key != "cystsync" &&
+        !key.starts_with("bem") && !key.starts_with("mdn"))
+      damage.emplace_back(key, std::nullopt);
+  }
+  for (const auto& [key, bad] : damage) {
+    SCOPED_TRACE(key + "=" + bad.value_or("<missing>"));
     SaveCartridge("C.BIN", Unusual());
-    ASSERT_TRUE(Settings().SaveSetting("Cartridge", "C.BIN." + key, bad));
-    EmulatorOptions controls;
-    EXPECT_FALSE(LoadCartridgeOptions(Settings(), "C.BIN", true, controls)) << key << "=" << bad;
-    // The bad one left its control alone; the last key was still read.
-    EXPECT_EQ(OptionText(controls, key), OptionText(EmulatorOptions{}, key)) << key;
-    EXPECT_TRUE(controls.activateDynamicPatch);
+    const std::string name = "C.BIN." + key;
+    ASSERT_TRUE(bad ? Settings().SaveSetting("Cartridge", name, *bad)
+                    : Settings().DeleteSetting("Cartridge", name));
+    EmulatorOptions read;
+    EXPECT_FALSE(LoadCartridgeOptions(Settings(), "C.BIN", true, read));
+    EXPECT_EQ(OptionText(read, key), OptionText(EmulatorOptions{}, key));
+    EXPECT_TRUE(key == "ativapatch" || read.activateDynamicPatch);
   }
 }
 

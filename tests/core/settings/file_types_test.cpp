@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "core/common/strings.h"
+#include "support/scoped_env.h"
 #include "support/temp_dir.h"
 
 extern char** environ;
@@ -25,13 +26,7 @@ bool Installed(const char* program) {
 // What `xdg-mime query filetype` says about `file`, with `dataHome` as XDG_DATA_HOME.
 std::string QueryFileType(const std::filesystem::path& dataHome, const std::filesystem::path& file,
                           const std::filesystem::path& output) {
-  const std::string dataVar = "XDG_DATA_HOME=" + PathToUtf8(dataHome);
-  std::vector<char*> env{const_cast<char*>(dataVar.c_str())};
-  for (char** e = environ; *e; ++e) {
-    if (std::string_view(*e).starts_with("XDG_DATA_HOME=")) continue;
-    env.push_back(*e);
-  }
-  env.push_back(nullptr);
+  test::ScopedEnv data("XDG_DATA_HOME", PathToUtf8(dataHome));
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
@@ -39,7 +34,7 @@ std::string QueryFileType(const std::filesystem::path& dataHome, const std::file
   char* argv[] = {const_cast<char*>("xdg-mime"), const_cast<char*>("query"),
                   const_cast<char*>("filetype"), fileArg.data(), nullptr};
   pid_t pid = 0;
-  const int spawned = posix_spawnp(&pid, "xdg-mime", &actions, nullptr, argv, env.data());
+  const int spawned = posix_spawnp(&pid, "xdg-mime", &actions, nullptr, argv, environ);
   posix_spawn_file_actions_destroy(&actions);
   if (spawned != 0) return "spawn failed";
   int status = 0;

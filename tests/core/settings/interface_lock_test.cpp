@@ -53,7 +53,7 @@ TEST(ScramblePassword, IsARepeatableKeystreamOfTheSeed) {
   EXPECT_EQ(ScramblePassword("", 0), "");
 }
 
-TEST_F(InterfaceLockTest, LockThenUnlockWithTheRightPassword) {
+TEST_F(InterfaceLockTest, LockThenUnlockWithTheRightPasswordOnly) {
   LockWith("s3cret", Answer::Yes);
   const std::vector<test::HostEvent> asked = m_host.EventsOf(test::PromptKind::Text);
   ASSERT_EQ(asked.size(), 2u);
@@ -80,9 +80,8 @@ TEST_F(InterfaceLockTest, LockThenUnlockWithTheRightPassword) {
   EXPECT_EQ(Lock("genpass"), "<missing>");
   EXPECT_FALSE(ReadInterfaceLock(Store()).locked);
   EXPECT_FALSE(ReadInterfaceLock(Store()).menusLocked);  // genmenu alone locks nothing
-}
 
-TEST_F(InterfaceLockTest, OneCharacterPasswordAndMenusLeftFree) {
+  // A one-character password, with the menus left free.
   LockWith("x", Answer::No);
   EXPECT_EQ(Lock("genpass"), "x" + ScramblePassword("x", 'x'));  // two bytes
   EXPECT_EQ(Lock("genmenu"), "0");
