@@ -83,15 +83,36 @@ TEST_F(InterfaceLayoutTest, ReadKeepsOnlyUsableKeys) {
   EXPECT_FALSE(stored.windowHeight);
 }
 
-TEST_F(InterfaceLayoutTest, EraseDeletesOnlyTheLayoutsKeys) {
+TEST_F(InterfaceLayoutTest, EraseDeletesInOrderAndPassesOverMissingKeys) {
   ASSERT_TRUE(WriteInterfaceLayout(Settings(), FullSnapshot()));
   ASSERT_TRUE(Settings().SaveSettings(
       kSectionSettings, {{"LaunchX", "10"}, {"prevY", "5"}, {"Joy", "1"}, {"X4", "1"}}));
+  test::RunOnStoreFile(PathOf("settings.sqlite3"),
+                       "CREATE TABLE erased(name); CREATE TRIGGER log AFTER DELETE ON "
+                       "registry_values BEGIN INSERT INTO erased VALUES(OLD.name); END;");
   EraseInterfaceLayout(m_host, Settings());
 
   EXPECT_EQ(m_host.Texts(), std::vector<std::string>{"Please, restart Genesis Romsteward!"});
   // Keys that belong to others, and the unused number 4, stay.
   EXPECT_THAT(Names(), ElementsAre("Joy", "X4"));
+  Close();
+  std::vector<std::string> erased;
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(PathOf("settings.sqlite3").c_str(), &db), SQLITE_OK);
+  sqlite3_stmt* rows = nullptr;
+  sqlite3_prepare_v2(db, "SELECT name FROM erased ORDER BY rowid", -1, &rows, nullptr);
+  while (sqlite3_step(rows) == SQLITE_ROW)
+    erased.emplace_back(reinterpret_cast<const char*>(sqlite3_column_text(rows, 0)));
+  sqlite3_finalize(rows);
+  sqlite3_close(db);
+  ASSERT_EQ(erased.size(), 2u * 2 * 26 + 4);
+  EXPECT_THAT(std::vector(erased.begin(), erased.begin() + 6),
+              ElementsAre("X1", "Y1", "X2", "Y2", "X3", "Y3"));
+  EXPECT_EQ(erased[6], "X5");  // 4 is no number
+  EXPECT_THAT(std::vector(erased.begin() + 50, erased.begin() + 56),
+              ElementsAre("X27", "Y27", "W1", "H1", "W2", "H2"));
+  EXPECT_THAT(std::vector(erased.end() - 4, erased.end()),
+              ElementsAre("WF", "HF", "LaunchX", "prevY"));
 }
 
 TEST_F(InterfaceLayoutTest, FailingStoreLosesNothingAndSaysSo) {
