@@ -23,25 +23,15 @@ protected:
     ASSERT_TRUE(zip);
     test::WriteTestFile(PathOf("set.zip"), *zip);
   }
-  std::string Image() const { return PathToUtf8(PathOf("roms/game.bin")); }
-  std::string Member() const { return PathToUtf8(PathOf("set.zip")) + "\\\\a.bin"; }
+  std::string Image() const { return Path("roms/game.bin"); }
+  std::string Member() const { return Path("set.zip") + "\\\\a.bin"; }
 
   // Runs with a launch step that records the entry it was given instead of an emulator.
   test::ToolRun RunLaunching(std::vector<std::string> args) {
-    args.insert(args.begin(), {"--settings", StoreFile()});
-    std::istringstream in;
-    std::ostringstream out;
-    std::ostringstream err;
-    cli::ToolStreams streams{in, out, err};
-    streams.launch = [this](MainWindowModel& model, std::function<void()> done) {
+    return Run(std::move(args), {}, [this](MainWindowModel& model, std::function<void()> done) {
       launched.push_back(JoinDirName(model.Diret(), model.SelectedText()));
       done();
-    };
-    test::ToolRun run;
-    run.status = cli::RunTool(args, streams);
-    run.out = out.str();
-    run.err = err.str();
-    return run;
+    });
   }
 
   std::vector<std::string> launched;
@@ -52,10 +42,8 @@ TEST_F(FavoritesCommandTest, AddListAndRemoveKeepTheMenuInNameOrder) {
   EXPECT_EQ(Run({"favorites", "add", "Packed", Member()}).status, 0);
   const test::ToolRun replaced = Run({"favorites", "add", "ZELDA", Image()});
   EXPECT_THAT(replaced.out, HasSubstr("Replaced 'ZELDA'"));
-  EXPECT_EQ(Run({"favorites", "add", "Gone", PathToUtf8(PathOf("roms/gone.bin"))}).status, 2);
-  EXPECT_EQ(
-      Run({"favorites", "add", "No member", PathToUtf8(PathOf("set.zip")) + "\\\\b.bin"}).status,
-      2);
+  EXPECT_EQ(Run({"favorites", "add", "Gone", Path("roms/gone.bin")}).status, 2);
+  EXPECT_EQ(Run({"favorites", "add", "No member", Path("set.zip") + "\\\\b.bin"}).status, 2);
   EXPECT_EQ(Run({"favorites", "add", "  ", Image()}).status, 2);
 
   std::filesystem::rename(PathOf("set.zip"), PathOf("moved.zip"));
@@ -77,12 +65,12 @@ TEST_F(FavoritesCommandTest, AddListAndRemoveKeepTheMenuInNameOrder) {
 }
 
 TEST_F(FavoritesCommandTest, RunLaunchesThroughTheLaunchStepAndOffersDeadOnesForRemoval) {
-  ASSERT_EQ(Run({"settings", "set", "Settings", "temp", PathToUtf8(PathOf("roms"))}).status, 0);
+  ASSERT_EQ(Run({"settings", "set", "Settings", "temp", Path("roms")}).status, 0);
   ASSERT_EQ(Run({"favorites", "add", "Game", Image()}).status, 0);
   ASSERT_EQ(Run({"favorites", "add", "Packed", Member()}).status, 0);
   EXPECT_EQ(RunLaunching({"favorites", "run", "game"}).status, 0);
   EXPECT_EQ(RunLaunching({"favorites", "run", "Packed"}).status, 0);
-  EXPECT_THAT(launched, ::testing::ElementsAre(Image(), PathToUtf8(PathOf("roms/a.bin"))));
+  EXPECT_THAT(launched, ::testing::ElementsAre(Image(), Path("roms/a.bin")));
   EXPECT_FALSE(std::filesystem::exists(PathOf("roms/a.bin")));
 
   EXPECT_EQ(RunLaunching({"favorites", "run", "Nothing"}).status, 2);

@@ -5,8 +5,6 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/tool_runner.h"
-#include "core/common/strings.h"
-#include "core/demo/demo_collection.h"
 #include "core/demo/demo_dat.h"
 
 namespace romsteward {
@@ -16,10 +14,8 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using Json = nlohmann::ordered_json;
 
-class IdentifyJsonCommand : public test::ToolSettingsTest {
+class IdentifyJsonCommand : public test::DemoToolTest {
 protected:
-  IdentifyJsonCommand() { EXPECT_TRUE(WriteDemoCollection(PathOf("demo")).ok()); }
-  std::string Path(std::string_view name) const { return PathToUtf8(PathOf(name)); }
   std::string Dat() const { return Path("demo/" + std::string(kDemoDatName)); }
   static std::vector<std::string> Keys(const Json& object) {
     std::vector<std::string> keys;

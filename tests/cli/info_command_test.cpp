@@ -6,38 +6,33 @@
 
 #include "cli/tool_runner.h"
 #include "core/demo/cartridge_builder.h"
-#include "core/demo/demo_collection.h"
-#include "support/temp_dir.h"
 
 namespace romsteward::cli {
 namespace {
 
-using romsteward::test::ToolRun;
-ToolRun Tool(const std::vector<std::string>& args) {
-  return romsteward::test::RunToolWith(args);
-}
-std::string SmallImage() {
-  CartridgeSpec spec;
+using ::testing::HasSubstr;
+using InfoCommand = test::ToolSettingsTest;
+
+std::string SmallImage(CartridgeSpec spec = {}) {
   spec.size = 16 * 1024;
   return BuildCartridgeImage(spec);
 }
 
-TEST(InfoCommand, JsonOfTheDemoCollectionHasExactlyTheDocumentedKeys) {
-  romsteward::test::TempDir dir;
-  ASSERT_TRUE(WriteDemoCollection(dir.Path()).ok());
+TEST_F(InfoCommand, JsonOfTheDemoCollectionHasExactlyTheDocumentedKeys) {
+  ASSERT_TRUE(WriteDemoCollection(PathOf("demo")).ok());
   std::vector<std::string> args{"info", "--json"};
-  for (const auto& entry : std::filesystem::directory_iterator(dir.Path()))
+  for (const auto& entry : std::filesystem::directory_iterator(PathOf("demo")))
     args.push_back(entry.path().string());
-  const ToolRun run = Tool(args);
+  const test::ToolRun run = Run(args);
   ASSERT_EQ(run.status, 0) << run.err;
 
   const auto json = nlohmann::ordered_json::parse(run.out);
   ASSERT_EQ(json.size(), args.size() - 2);
-  const std::vector<std::string> keys{
-      "file",        "layout",  "layoutName", "makerDate", "domesticName", "overseasName",
-      "productType", "serial",  "version",    "checksum",  "devices",      "romStart",
-      "romEnd",      "romSize", "sramStart",  "sramEnd",   "countries",    "sizeMbit",
-      "error"};
+  const std::vector<std::string> keys{"file",         "layout",       "layoutName",  "makerDate",
+                                      "domesticName", "overseasName", "productType", "serial",
+                                      "version",      "checksum",     "devices",     "romStart",
+                                      "romEnd",       "romSize",      "sramStart",   "sramEnd",
+                                      "countries",    "sizeMbit",     "error"};
   std::set<std::string> layouts;
   for (const auto& object : json) {
     std::vector<std::string> names;
@@ -50,39 +45,34 @@ TEST(InfoCommand, JsonOfTheDemoCollectionHasExactlyTheDocumentedKeys) {
   EXPECT_THAT(layouts, ::testing::IsSupersetOf({"BIN", "SMD", "MD", "1", "1*", "NOROM"}));
 }
 
-TEST(InfoCommand, OddBytesGiveValidJsonAndUnreadableFilesAreNamed) {
-  romsteward::test::TempDir dir;
+TEST_F(InfoCommand, OddBytesGiveValidJsonAndUnreadableFilesAreNamed) {
   CartridgeSpec spec;
-  spec.size = 16 * 1024;
   spec.domesticName = std::string("\xE9t\xE9\x01\"\\\xFF\0", 8);
   spec.makerDate = "(C)\x80\x81\x82 1993.JAN";
-  const auto path = dir.Write("odd\xE9.bin", BuildCartridgeImage(spec));
-  const ToolRun run = Tool({"info", "--json", path.string()});
+  const test::ToolRun run = Run({"info", "--json", Put("odd\xE9.bin", SmallImage(spec)).string()});
   ASSERT_EQ(run.status, 0);
   const auto json = nlohmann::json::parse(run.out);  // throws on invalid UTF-8
   EXPECT_EQ(json[0]["domesticName"].get<std::string>(), "\xC3\xA9t\xC3\xA9\x01\"\\\xC3\xBF");
 
   // An unreadable file is named and the others are still reported.
-  const auto good = dir.Write("good.bin", SmallImage());
-  const auto missing = (dir / "missing.bin").string();
-  const ToolRun mixed = Tool({"info", missing, good.string()});
+  const test::ToolRun mixed =
+      Run({"info", PathOf("missing.bin").string(), Put("good.bin", SmallImage()).string()});
   EXPECT_NE(mixed.status, 0);
-  EXPECT_THAT(mixed.err, ::testing::HasSubstr("missing.bin"));
-  EXPECT_THAT(mixed.out, ::testing::HasSubstr("DEMO CARTRIDGE"));
-  EXPECT_THAT(mixed.out, ::testing::Not(::testing::HasSubstr("missing.bin")));
+  EXPECT_THAT(mixed.err, HasSubstr("missing.bin"));
+  EXPECT_THAT(mixed.out, HasSubstr("DEMO CARTRIDGE"));
+  EXPECT_THAT(mixed.out, ::testing::Not(HasSubstr("missing.bin")));
 }
 
-TEST(ConvertCommand, WritesBesideTheSourceAndRefusesToOverwrite) {
-  romsteward::test::TempDir dir;
-  const auto source = dir.Write("game.bin", SmallImage());
-  EXPECT_EQ(Tool({"convert", "--to", "smd", source.string()}).status, 0);
-  ASSERT_TRUE(std::filesystem::exists(dir / "game.smd"));
+TEST_F(InfoCommand, ConvertWritesBesideTheSourceAndRefusesToOverwrite) {
+  const std::string source = Put("game.bin", SmallImage()).string();
+  EXPECT_EQ(Run({"convert", "--to", "smd", source}).status, 0);
+  ASSERT_TRUE(std::filesystem::exists(PathOf("game.smd")));
 
-  const ToolRun again = Tool({"convert", "--to", "SMD", source.string()});
+  const test::ToolRun again = Run({"convert", "--to", "SMD", source});
   EXPECT_EQ(again.status, kExitError);
-  EXPECT_THAT(again.err, ::testing::HasSubstr("already exists"));
-  EXPECT_EQ(Tool({"convert", "--to", "smd", "--force", source.string()}).status, 0);
-  EXPECT_NE(Tool({"convert", "--to", "zip", source.string()}).status, 0);
+  EXPECT_THAT(again.err, HasSubstr("already exists"));
+  EXPECT_EQ(Run({"convert", "--to", "smd", "--force", source}).status, 0);
+  EXPECT_NE(Run({"convert", "--to", "zip", source}).status, 0);
 }
 
 }  // namespace

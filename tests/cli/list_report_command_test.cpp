@@ -2,11 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "cli/tool_runner.h"
-#include "core/common/strings.h"
-#include "core/demo/demo_collection.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/registry_store.h"
-#include "support/temp_dir.h"
 
 namespace romsteward {
 namespace {
@@ -14,12 +11,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-class ListReportCommandTest : public test::ToolSettingsTest {
-protected:
-  ListReportCommandTest() { EXPECT_TRUE(WriteDemoCollection(PathOf("demo")).ok()); }
-
-  std::string Path(std::string_view name) const { return PathToUtf8(PathOf(name)); }
-};
+using ListReportCommandTest = test::DemoToolTest;
 
 TEST_F(ListReportCommandTest, ListPrintsTheListAsTheWindowShowsIt) {
   EXPECT_EQ(Run({"list", Path("demo")}).out,
