@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "core/cart/header.h"
+
+#include <gtest/gtest.h>
 
 namespace romsteward {
 namespace {
@@ -53,41 +53,33 @@ TEST(HeaderFields, NamesProductTypesSizesAndSramRanges) {
   EXPECT_EQ(std::pair(blank.start, blank.end), std::pair(0u, 0u));
 }
 
-struct MakerDateCase {
-  std::string_view field;
-  std::string_view expected;
-};
-
-class DecodeMakerDateTest : public ::testing::TestWithParam<MakerDateCase> {};
-
-TEST_P(DecodeMakerDateTest, Decodes) {
-  EXPECT_EQ(DecodeMakerDate(GetParam().field), GetParam().expected);
+TEST(DecodeMakerDate, PublisherMonthAndYearOrUnknown) {
+  const std::pair<std::string_view, std::string_view> cases[] = {
+      {"(C)SEGA 1994.JAN", "SEGA, January of 1994 ((C)SEGA 1994.JAN)"},
+      {"(C)T-12 1992.FEB", "Capcom, February of 1992 ((C)T-12 1992.FEB)"},
+      {"(C)ACLD 1991.AUG", "Ballistic, August of 1991 ((C)ACLD 1991.AUG)"},
+      {"(C)T-99 1993.MAR", "99, March of 1993 ((C)T-99 1993.MAR)"},
+      {"(C) T-SNK 95/MAR", "HI-TECH entertainment, March of 1995 ((C) T-SNK 95/MAR)"},
+      {"(C)SEGA 199X.AUG", "SEGA, August of 199X ((C)SEGA 199X.AUG)"},
+      {"(C)SEGA 1994.SEPT", "SEGA, September of 1994 ((C)SEGA 1994.SEPT)"},
+      {"(C)WSTN 1993SEP", "Westone, September of 1993 ((C)WSTN 1993SEP)"},
+      {"(C)T-81 1993.08", "Acclaim/Flying Edge, August of 1993 ((C)T-81 1993.08)"},
+      {"(C)T-81 1993.09", "Acclaim/Flying Edge, Unknown of 1993 ((C)T-81 1993.09)"},
+      {"(C)T-00 1993.MAY", "Unknown, May of 1993 ((C)T-00 1993.MAY)"},
+      {"(C)T-XX 1993.MAY", "Unknown, May of 1993 ((C)T-XX 1993.MAY)"},
+      {"(C)RSI 1990.APL", "Razorsoft, April of 1990 ((C)RSI 1990.APL)"},
+      {"(C) INFOGRAMES", "Infogrames, Unknown of Unknown ((C) INFOGRAMES)"},
+      {"(C)vrgn 1993.DEC", "Virgin, December of 1993 ((C)vrgn 1993.DEC)"},
+      {"(C)T112 1993.JUL", "Designer Software, July of 1993 ((C)T112 1993.JUL)"},
+      {"ACMECO 1992.JUN", "ACMECO, June of 1992 (ACMECO 1992.JUN)"},
+      // Position 6 is read as a publisher number even when it is part of the date.
+      {"ACME  1992.JUN", "Technosoft, June of 1992 (ACME  1992.JUN)"},
+      {"(C)SEGA", "SEGA, Unknown of Unknown ((C)SEGA)"},
+      {"", ", Unknown of Unknown ()"},
+  };
+  for (const auto& [field, expected] : cases)
+    EXPECT_EQ(DecodeMakerDate(field), expected) << field;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Fields, DecodeMakerDateTest,
-    ::testing::Values(
-        MakerDateCase{"(C)SEGA 1994.JAN", "SEGA, January of 1994 ((C)SEGA 1994.JAN)"},
-        MakerDateCase{"(C)T-12 1992.FEB", "Capcom, February of 1992 ((C)T-12 1992.FEB)"},
-        MakerDateCase{"(C)ACLD 1991.AUG", "Ballistic, August of 1991 ((C)ACLD 1991.AUG)"},
-        MakerDateCase{"(C)T-99 1993.MAR", "99, March of 1993 ((C)T-99 1993.MAR)"},
-        MakerDateCase{"(C) T-SNK 95/MAR", "HI-TECH entertainment, March of 1995 ((C) T-SNK 95/MAR)"},
-        MakerDateCase{"(C)SEGA 199X.AUG", "SEGA, August of 199X ((C)SEGA 199X.AUG)"},
-        MakerDateCase{"(C)SEGA 1994.SEPT", "SEGA, September of 1994 ((C)SEGA 1994.SEPT)"},
-        MakerDateCase{"(C)WSTN 1993SEP", "Westone, September of 1993 ((C)WSTN 1993SEP)"},
-        MakerDateCase{"(C)T-81 1993.08", "Acclaim/Flying Edge, August of 1993 ((C)T-81 1993.08)"},
-        MakerDateCase{"(C)T-81 1993.09", "Acclaim/Flying Edge, Unknown of 1993 ((C)T-81 1993.09)"},
-        MakerDateCase{"(C)T-00 1993.MAY", "Unknown, May of 1993 ((C)T-00 1993.MAY)"},
-        MakerDateCase{"(C)T-XX 1993.MAY", "Unknown, May of 1993 ((C)T-XX 1993.MAY)"},
-        MakerDateCase{"(C)RSI 1990.APL", "Razorsoft, April of 1990 ((C)RSI 1990.APL)"},
-        MakerDateCase{"(C) INFOGRAMES", "Infogrames, Unknown of Unknown ((C) INFOGRAMES)"},
-        MakerDateCase{"(C)vrgn 1993.DEC", "Virgin, December of 1993 ((C)vrgn 1993.DEC)"},
-        MakerDateCase{"(C)T112 1993.JUL", "Designer Software, July of 1993 ((C)T112 1993.JUL)"},
-        MakerDateCase{"ACMECO 1992.JUN", "ACMECO, June of 1992 (ACMECO 1992.JUN)"},
-        // Position 6 is read as a publisher number even when it is part of the date.
-        MakerDateCase{"ACME  1992.JUN", "Technosoft, June of 1992 (ACME  1992.JUN)"},
-        MakerDateCase{"(C)SEGA", "SEGA, Unknown of Unknown ((C)SEGA)"},
-        MakerDateCase{"", ", Unknown of Unknown ()"}));
 
 }  // namespace
 }  // namespace romsteward
