@@ -10,8 +10,6 @@
 #include "cli/tool_runner.h"
 #include "core/demo/cartridge_builder.h"
 #include "core/demo/demo_dat.h"
-#include "core/settings/app_settings.h"
-#include "core/settings/registry_store.h"
 
 namespace romsteward {
 namespace {
@@ -155,11 +153,8 @@ TEST_F(ReportingCommands, ReportWritesAListOfDirectoriesAndArchives) {
   EXPECT_EQ(test::ReadTestFile(PathOf("list.txt")), shown.out);
   EXPECT_THAT(written.err, HasSubstr("Rom list created!"));
 
-  {
-    auto store = RegistryStore::Open(PathOf("settings.sqlite3"));
-    std::filesystem::create_directory(PathOf("temp"));
-    ASSERT_TRUE(AppSettings(**store).SaveSetting(kSectionSettings, "temp", Path("temp")).ok());
-  }
+  std::filesystem::create_directory(PathOf("temp"));
+  ASSERT_EQ(Run({"settings", "set", "Settings", "temp", Path("temp")}).status, cli::kExitOk);
   test::WriteTestFile(PathOf("names.rsc"), "-BOL-%file%;%countries%\n-EOL-");
   EXPECT_EQ(Run({"report", "--template", Path("names.rsc"), Path("demo/Pocket Pair.zip")}).out,
             "Tin Soldier (U).bin;USA\nVelvet Comet (J).smd;Japan\n");
