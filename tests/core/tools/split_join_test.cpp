@@ -5,6 +5,7 @@
 #include "core/cart/convert.h"
 #include "core/cart/interleave.h"
 #include "core/demo/cartridge_builder.h"
+#include "core/tools/split_size_chooser.h"
 #include "support/file_size_limit.h"
 #include "support/scripted_host.h"
 #include "support/temp_dir.h"
@@ -181,6 +182,38 @@ TEST_F(SplitJoinTest, JoinFilesAppendsInTheOrderChosenAndWritesNothingOnAMissing
             CommandResult::Failed);
   EXPECT_NE(m_host.Texts().back().find("gone"), std::string::npos);
   EXPECT_EQ(ReadTestFile(dest), "AAA");
+}
+
+TEST(SplitSizeChooser, OptionsGiveTheirSizeAndTheCustomFieldTakesDigitsUpTo32) {
+  SplitSizeChooser chooser(24);
+  EXPECT_EQ(chooser.Caption(), " Select split size (rom size: 24 Mbit)");
+  chooser.SelectOption(11);
+  EXPECT_EQ(chooser.Accept().value(), 12);
+
+  chooser.SetCustomText("32");
+  EXPECT_EQ(chooser.Accept().value(), 32);
+  chooser.SpinUp();
+  ASSERT_FALSE(chooser.Accept().ok());
+  EXPECT_EQ(chooser.Accept().error().message,
+            "As the maximum ROM size for Genesis was 32 Megabits, there is no reason for a split "
+            "with that size");
+  chooser.SetCustomText("99999999999999999999");  // saturates instead of wrapping below 32
+  EXPECT_FALSE(chooser.Accept().ok());
+
+  // The custom field takes digits only and spins past zero.
+  chooser.SetCustomText("");
+  chooser.SelectOption(5);
+  for (const char key : std::string("1a-2 .\b\b\b9"))
+    chooser.TypeKey(key);
+  EXPECT_EQ(chooser.CustomText(), "9");
+  // Typing in the field means the custom size, whatever option was selected before.
+  EXPECT_EQ(chooser.SelectedOption(), SplitSizeChooser::kCustomOption);
+
+  chooser.SetCustomText("");
+  EXPECT_EQ(chooser.Accept().value(), 0);
+  chooser.SpinDown();
+  EXPECT_EQ(chooser.CustomText(), "-1");
+  EXPECT_EQ(chooser.Accept().value(), -1);  // passes the chooser; the split then ends
 }
 
 }  // namespace

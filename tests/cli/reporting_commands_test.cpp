@@ -1,12 +1,14 @@
-// identify, and the --json form of every reporting command, parsed as a script would.
+// The commands that describe images: identify, info, list and report, and the --json form of
+// each, parsed as a script would.
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "cli/tool_runner.h"
-#include "core/common/strings.h"
-#include "core/demo/demo_collection.h"
+#include "core/demo/cartridge_builder.h"
 #include "core/demo/demo_dat.h"
 
 namespace romsteward {
@@ -15,11 +17,10 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using Json = nlohmann::ordered_json;
+using ::testing::StartsWith;
 
-class IdentifyJsonCommand : public test::ToolSettingsTest {
+class ReportingCommands : public test::DemoToolTest {
 protected:
-  IdentifyJsonCommand() { EXPECT_TRUE(WriteDemoCollection(PathOf("demo")).ok()); }
-  std::string Path(std::string_view name) const { return PathToUtf8(PathOf(name)); }
   std::string Dat() const { return Path("demo/" + std::string(kDemoDatName)); }
   static std::vector<std::string> Keys(const Json& object) {
     std::vector<std::string> keys;
@@ -29,7 +30,7 @@ protected:
   }
 };
 
-TEST_F(IdentifyJsonCommand, IdentifiesTheDemoCollectionAsTextAndJson) {
+TEST_F(ReportingCommands, IdentifiesTheDemoCollectionAsTextAndJson) {
   const auto text = Run({"identify", "--dat", Dat(), Path("demo")});
   EXPECT_EQ(text.status, cli::kExitFailure);  // some are unknown
   EXPECT_THAT(text.out, HasSubstr("Star Courier (W).bin: Star Courier (World) (Rev 1) "
@@ -61,7 +62,7 @@ TEST_F(IdentifyJsonCommand, IdentifiesTheDemoCollectionAsTextAndJson) {
   EXPECT_THAT(images[3]["error"].get<std::string>(), HasSubstr("gone.bin"));
 }
 
-TEST_F(IdentifyJsonCommand, RenamesOnlyAfterYesAndRemembersTheDatForReports) {
+TEST_F(ReportingCommands, RenamesOnlyAfterYesAndRemembersTheDatForReports) {
   const auto declined = Run({"identify", "--dat", Dat(), "--rename", Path("demo")});
   EXPECT_THAT(declined.out, HasSubstr("Would rename:\n"));
   EXPECT_THAT(declined.out, HasSubstr("Star Courier (W).bin -> Star Courier (World) (Rev 1).bin"));
@@ -83,7 +84,7 @@ TEST_F(IdentifyJsonCommand, RenamesOnlyAfterYesAndRemembersTheDatForReports) {
             "Star Courier (World) (Rev 1).bin=Star Courier (World) (Rev 1)\n");
 }
 
-TEST_F(IdentifyJsonCommand, ABadDatFileStopsBeforeAnyOutput) {
+TEST_F(ReportingCommands, ABadDatFileStopsBeforeAnyOutput) {
   test::WriteTestFile(PathOf("bad.dat"), "<datafile><game name='x'>");
   const auto run = Run({"identify", "--json", "--dat", Path("bad.dat"), Path("demo")});
   EXPECT_EQ(run.status, cli::kExitError);
@@ -91,7 +92,7 @@ TEST_F(IdentifyJsonCommand, ABadDatFileStopsBeforeAnyOutput) {
   EXPECT_THAT(run.err, HasSubstr("bad.dat is not a readable DAT file"));
 }
 
-TEST_F(IdentifyJsonCommand, EveryOtherReportingCommandPrintsParsableJson) {
+TEST_F(ReportingCommands, EveryOtherReportingCommandPrintsParsableJson) {
   const auto checksum = Run({"checksum", "--json", Path("demo/Broken Lantern (E).bin"),
                              Path("demo/notes.txt"), Path("demo/Star Courier (W).bin")});
   EXPECT_EQ(checksum.status, cli::kExitError);
@@ -124,6 +125,94 @@ TEST_F(IdentifyJsonCommand, EveryOtherReportingCommandPrintsParsableJson) {
   const Json infos = Json::parse(info.out);
   EXPECT_THAT(Keys(infos[0]), ElementsAre("file", "error"));
   EXPECT_TRUE(infos[1]["error"].is_null());
+}
+
+TEST_F(ReportingCommands, ListPrintsTheListAsTheWindowShowsIt) {
+  EXPECT_EQ(Run({"list", Path("demo")}).out,
+            "Broken Lantern (E).bin\nCoral Archive (B).bin\nHarbor Lights (U).smd\n"
+            "Iron Meadow.1\nQuiet Orbit (J).md\nStar Courier (W).bin\n6 file(s)\n");
+  const auto all = Run({"list", "--all", "--sort", "type", Path("demo")});
+  EXPECT_THAT(all.out, StartsWith("Iron Meadow.1\nIron Meadow.2\nIron Meadow.3\n"));
+  EXPECT_THAT(all.out, HasSubstr("notes.txt\nPocket Pair.zip\n11 file(s)\n"));
+
+  for (const std::string& bad :
+       {Path("missing"), Path("demo/notes.txt"), std::string("\\\\s\\r")}) {
+    const auto refused = Run({"list", bad});
+    EXPECT_EQ(refused.status, cli::kExitError);
+    EXPECT_EQ(refused.out, "");
+  }
+}
+
+TEST_F(ReportingCommands, ReportWritesAListOfDirectoriesAndArchives) {
+  const auto shown = Run({"report", Path("demo")});
+  EXPECT_THAT(shown.out, StartsWith("     MY ROM LIST\r\n"));
+  EXPECT_THAT(shown.out, HasSubstr("NUMBER OF ROMS:  6\r\n"));
+  const auto written = Run({"report", "-o", Path("list.txt"), Path("demo")});
+  EXPECT_EQ(test::ReadTestFile(PathOf("list.txt")), shown.out);
+  EXPECT_THAT(written.err, HasSubstr("Rom list created!"));
+
+  std::filesystem::create_directory(PathOf("temp"));
+  ASSERT_EQ(Run({"settings", "set", "Settings", "temp", Path("temp")}).status, cli::kExitOk);
+  test::WriteTestFile(PathOf("names.rsc"), "-BOL-%file%;%countries%\n-EOL-");
+  EXPECT_EQ(Run({"report", "--template", Path("names.rsc"), Path("demo/Pocket Pair.zip")}).out,
+            "Tin Soldier (U).bin;USA\nVelvet Comet (J).smd;Japan\n");
+  EXPECT_TRUE(std::filesystem::is_empty(PathOf("temp")));
+}
+
+TEST_F(ReportingCommands, ReportTemplateErrorsWriteNothing) {
+  test::WriteTestFile(PathOf("broken.rsc"), "-BOL-%file%");
+  const auto broken =
+      Run({"report", "--template", Path("broken.rsc"), "-o", Path("out.txt"), Path("demo")});
+  EXPECT_EQ(broken.status, cli::kExitError);
+  EXPECT_THAT(broken.err, HasSubstr("Expected: End of list"));
+  EXPECT_FALSE(std::filesystem::exists(PathOf("out.txt")));
+  EXPECT_THAT(Run({"report", "--template", Path("none.rsc"), Path("demo")}).err,
+              HasSubstr("none.rsc"));
+}
+
+std::string SmallImage(CartridgeSpec spec = {}) {
+  spec.size = 16 * 1024;
+  return BuildCartridgeImage(spec);
+}
+
+TEST_F(ReportingCommands, JsonOfTheDemoCollectionHasExactlyTheDocumentedKeys) {
+  std::vector<std::string> args{"info", "--json"};
+  for (const auto& entry : std::filesystem::directory_iterator(PathOf("demo")))
+    args.push_back(entry.path().string());
+  const test::ToolRun run = Run(args);
+  ASSERT_EQ(run.status, 0) << run.err;
+
+  const Json json = Json::parse(run.out);
+  ASSERT_EQ(json.size(), args.size() - 2);
+  std::set<std::string> layouts;
+  for (const Json& object : json) {
+    EXPECT_THAT(
+        Keys(object),
+        ElementsAre("file", "layout", "layoutName", "makerDate", "domesticName", "overseasName",
+                    "productType", "serial", "version", "checksum", "devices", "romStart", "romEnd",
+                    "romSize", "sramStart", "sramEnd", "countries", "sizeMbit", "error"));
+    layouts.insert(object["layout"].get<std::string>());
+    EXPECT_TRUE(object["checksum"].is_number());
+  }
+  EXPECT_THAT(layouts, ::testing::IsSupersetOf({"BIN", "SMD", "MD", "1", "1*", "NOROM"}));
+}
+
+TEST_F(ReportingCommands, OddBytesGiveValidJsonAndUnreadableFilesAreNamed) {
+  CartridgeSpec spec;
+  spec.domesticName = std::string("\xE9t\xE9\x01\"\\\xFF\0", 8);
+  spec.makerDate = "(C)\x80\x81\x82 1993.JAN";
+  const test::ToolRun run = Run({"info", "--json", Put("odd\xE9.bin", SmallImage(spec)).string()});
+  ASSERT_EQ(run.status, 0);
+  const auto json = nlohmann::json::parse(run.out);  // throws on invalid UTF-8
+  EXPECT_EQ(json[0]["domesticName"].get<std::string>(), "\xC3\xA9t\xC3\xA9\x01\"\\\xC3\xBF");
+
+  // An unreadable file is named and the others are still reported.
+  const test::ToolRun mixed =
+      Run({"info", PathOf("missing.bin").string(), Put("good.bin", SmallImage()).string()});
+  EXPECT_NE(mixed.status, 0);
+  EXPECT_THAT(mixed.err, HasSubstr("missing.bin"));
+  EXPECT_THAT(mixed.out, HasSubstr("DEMO CARTRIDGE"));
+  EXPECT_THAT(mixed.out, ::testing::Not(HasSubstr("missing.bin")));
 }
 
 }  // namespace
