@@ -24,6 +24,9 @@ SCREENSHOT_PACKAGES := xvfb xauth imagemagick xdotool
 
 # Warnings are errors wherever CI runs.
 CMAKE_FLAGS := $(if $(CI),-DROMSTEWARD_WERROR=ON,)
+# ccache, when a developer has it, makes rebuilds and extra work trees cheap.
+CCACHE := $(shell command -v ccache 2>/dev/null)
+CMAKE_FLAGS += $(if $(CCACHE),-DCMAKE_CXX_COMPILER_LAUNCHER=$(CCACHE),)
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
 .PHONY: deps configure build test run bench format clean
