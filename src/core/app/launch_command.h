@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <ctime>
 #include <filesystem>
 #include <memory>
@@ -83,6 +85,11 @@ public:
   /// file that is no image, the default program's start. A check that fails is told through
   /// the Host as in Begin; an emulator not located yet is shown by its executable's name.
   std::optional<EmulatorCommand> DryRun(const LaunchRequest& request);
+
+  /// The emulator started as `pid`: named beside the run's records, so that another program
+  /// opening the store meanwhile leaves the run alone, and so does the next start while the
+  /// emulator outlives us.
+  void Started(pid_t pid);
 
   /// After the emulator ended: "Error running emulator!" (with its exit status and the last
   /// lines of its standard error) unless it ran and exited with 0; the extracted copies

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -47,6 +48,10 @@ public:
   virtual ~DetachedStarter() = default;
   virtual Status StartDetached(const ProcessSpec& spec) = 0;
 };
+
+/// How long an emulator asked to end (SIGTERM) gets before its process group is killed: some
+/// ignore SIGTERM, or sit behind a dialog of their own that never reads it.
+inline constexpr std::chrono::milliseconds kEndGracePeriod{3000};
 
 /// At most this much of a process's standard error is kept for the failure message.
 inline constexpr std::size_t kStderrTailLines = 8;
