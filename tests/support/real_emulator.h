@@ -25,8 +25,9 @@ public:
   const std::string& Name() const { return m_name; }
 
 private:
-  PosixProcessRunner m_runner;
-  std::optional<ChildProcess> m_server;
+  bool StartServer(const std::string& number);
+
+  pid_t m_server = -1;
   std::string m_name;
 };
 

@@ -190,10 +190,10 @@ bool ChildProcess::AwaitExit(std::chrono::milliseconds limit) {
     nfds_t count = 0;
     if (m_stderr >= 0) watched[count++] = {m_stderr, POLLIN, 0};
     if (m_exitWatch >= 0) watched[count++] = {m_exitWatch, POLLIN, 0};
-    // Without a pidfd the exit is looked at every 50 ms.
-    const auto slice = m_exitWatch >= 0 ? left : std::min(left, std::chrono::milliseconds(50));
-    const int ready = poll(watched.data(), count, static_cast<int>(std::min<long long>(
-                                                      slice.count(), 24 * 3600 * 1000)));
+    // Without a pidfd the exit is looked at every 50 ms; with one, a request to end that
+    // reached another thread is still seen within 250 ms.
+    const auto slice = std::min(left, std::chrono::milliseconds(m_exitWatch >= 0 ? 250 : 50));
+    const int ready = poll(watched.data(), count, static_cast<int>(slice.count()));
     if (ready > 0 && m_stderr >= 0 && watched[0].revents != 0) Drain(false);
   }
 }
