@@ -65,6 +65,7 @@ public:
   void End(std::chrono::milliseconds grace) {
     const auto group = -static_cast<pid_t>(m_process.processId());
     if (group >= 0) return;
+    m_endedOnRequest = true;
     ::kill(group, SIGTERM);
     if (!m_process.waitForFinished(static_cast<int>(grace.count()))) {
       ::kill(group, SIGKILL);
@@ -110,6 +111,7 @@ private:
     if (m_over) return;
     m_over = true;
     outcome.seconds = static_cast<double>(m_clock.elapsed()) / 1000.0;
+    outcome.endedOnRequest = m_endedOnRequest;
     m_stderr += m_process.readAllStandardError();
     outcome.stderrTail = LastLines(FromQt(QString::fromLocal8Bit(m_stderr)), kStderrTailLines);
     m_launch->Complete(outcome);
@@ -124,6 +126,7 @@ private:
   std::unique_ptr<LaunchCommand> m_launch;
   std::function<void(LaunchCommand&)> m_finished;
   bool m_over = false;
+  bool m_endedOnRequest = false;
 };
 
 QtLauncher::QtLauncher(MainWindow& window, Host& host, AppSettings& settings)

@@ -209,7 +209,7 @@ void LaunchCommand::Complete(const ProcessOutcome& outcome) {
   if (!m_begun || m_completed) return;
   m_completed = true;
   m_succeeded = outcome.Succeeded();
-  if (!m_succeeded) {
+  if (!m_succeeded && !outcome.endedOnRequest) {
     m_host.ShowMessage(std::string(kErrorRunningEmulator) + "\n\n" + FailureDetails(outcome),
                        MessageIcon::Critical, kAppTitle);
   }

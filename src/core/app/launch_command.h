@@ -92,8 +92,8 @@ public:
   void Started(pid_t pid);
 
   /// After the emulator ended: "Error running emulator!" (with its exit status and the last
-  /// lines of its standard error) unless it ran and exited with 0; the extracted copies
-  /// deleted, the patches taken off, the play history updated. Once only.
+  /// lines of its standard error) unless it ran and exited with 0 or was ended on request;
+  /// the extracted copies deleted, the patches taken off, the play history updated. Once only.
   void Complete(const ProcessOutcome& outcome);
 
   /// Whether Complete saw a run that succeeded; the saved-games list is then refreshed.

@@ -234,7 +234,9 @@ ProcessOutcome ChildProcess::End(std::chrono::milliseconds grace) {
   }
   // The leader is not reaped yet, so its id still names its group: what is left of it goes.
   kill(-m_pid, SIGKILL);
-  return Wait();
+  ProcessOutcome outcome = Wait();
+  outcome.endedOnRequest = true;
+  return outcome;
 }
 
 Result<ChildProcess> PosixProcessRunner::Start(const ProcessSpec& spec) {

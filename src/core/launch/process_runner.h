@@ -36,6 +36,8 @@ struct ProcessOutcome {
   std::string stderrTail;
   /// How long it ran.
   double seconds = 0;
+  /// We ended it (the window closed, the tool interrupted): not a failure to report.
+  bool endedOnRequest = false;
 
   bool Succeeded() const { return started && exitStatus == 0 && signal == 0; }
 };
