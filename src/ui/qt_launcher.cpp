@@ -57,7 +57,8 @@ public:
   // launch's own destructor then takes its preparation back, with nobody left to tell.
   ~LaunchRun() override {
     m_process.disconnect(this);
-    if (const qint64 pid = m_process.processId(); pid > 0) ::kill(-static_cast<pid_t>(pid), SIGKILL);
+    if (const qint64 pid = m_process.processId(); pid > 0)
+      ::kill(-static_cast<pid_t>(pid), SIGKILL);
   }
 
   /// SIGTERM to the emulator's process group, SIGKILL after `grace`; the launch is completed

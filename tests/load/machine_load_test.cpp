@@ -28,7 +28,8 @@ public:
       if (pid == 0) {
         setpgid(0, 0);
         volatile unsigned long spin = 0;
-        for (;;) spin = spin + 1;
+        for (;;)
+          spin = spin + 1;
       }
       if (pid > 0) {
         setpgid(pid, pid);  // before the child gets to it, too: no kill may miss it

@@ -74,8 +74,7 @@ std::string Output(std::vector<std::string> argv) {
     pointers.push_back(word.data());
   pointers.push_back(nullptr);
   pid_t pid = -1;
-  const int code =
-      posix_spawn(&pid, argv[0].c_str(), &actions, nullptr, pointers.data(), environ);
+  const int code = posix_spawn(&pid, argv[0].c_str(), &actions, nullptr, pointers.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   close(fds[1]);
   std::string text;
@@ -156,8 +155,8 @@ bool VirtualDisplay::StartServer(const std::string& number) {
   posix_spawnattr_init(&attributes);
   posix_spawnattr_setpgroup(&attributes, 0);
   posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
-  std::vector<std::string> argv{kXvfb,       ":" + number, "-displayfd", "3", "-nolisten",
-                                "tcp",       "-screen",    "0",          "800x600x24"};
+  std::vector<std::string> argv{kXvfb, ":" + number, "-displayfd", "3",         "-nolisten",
+                                "tcp", "-screen",    "0",          "800x600x24"};
   std::vector<char*> pointers;
   for (auto& word : argv)
     pointers.push_back(word.data());

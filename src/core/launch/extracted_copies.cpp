@@ -79,7 +79,8 @@ ExtractedCopies ExtractedCopies::Extract(Host& host, RegistryStore& store,
   // The record goes first: if the program dies from here on, the next start finds it.
   const std::string recordName = PathToUtf8(planned.front());
   copies.m_owners.emplace(store, RunKeyPath(), recordName);
-  if (!copies.m_owners->Claim() || !store.SetValue(RunKeyPath(), recordName, EncodeFiles(planned))) {
+  if (!copies.m_owners->Claim() ||
+      !store.SetValue(RunKeyPath(), recordName, EncodeFiles(planned))) {
     copies.m_owners->Release();
     host.ShowMessage(kRegistryError, MessageIcon::Critical, kAppTitle);
     return copies;

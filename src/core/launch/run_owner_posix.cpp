@@ -1,10 +1,10 @@
-#include "core/launch/run_owner.h"
-
 #include <unistd.h>
 
 #include <charconv>
 #include <fstream>
 #include <sstream>
+
+#include "core/launch/run_owner.h"
 
 namespace romsteward {
 

@@ -1,9 +1,10 @@
 // Smoke tests with the Debian emulators: each starts for real under a display of its own,
 // keeps running with no dialog of its own, is ended, and the launch cleans up after it.
 // Skipped when the emulator, Xvfb or xwininfo is not installed (`make test` installs them).
+#include "support/real_emulator.h"
+
 #include <gtest/gtest.h>
 
-#include "support/real_emulator.h"
 #include "support/temp_dir.h"
 
 namespace romsteward {
