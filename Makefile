@@ -15,6 +15,8 @@ DEB_PACKAGES := cmake ninja-build g++ pkg-config \
 DEB_PACKAGES += libpugixml-dev zlib1g-dev libssl-dev
 # The emulators and the virtual display the launch smoke tests run.
 DEB_PACKAGES += blastem mednafen xvfb xauth
+# xwininfo (an emulator's dialog window in those tests) and xmessage (a dialog standing in).
+DEB_PACKAGES += x11-utils
 # The desktop program and its Qt tests.
 DEB_PACKAGES += qt6-base-dev
 # File-type registration and its test: xdg-mime (mimetype answers its queries), update-mime-database.

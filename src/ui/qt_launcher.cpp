@@ -1,5 +1,10 @@
 #include "ui/qt_launcher.h"
 
+#include <signal.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QCloseEvent>
 #include <QElapsedTimer>
 #include <QLineEdit>
 #include <QMenu>
@@ -7,12 +12,14 @@
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
-#include <csignal>
 #include <memory>
 
 #include "core/app/main_window_model.h"
 #include "core/common/strings.h"
+#include "core/host/app_title.h"
+#include "core/host/host.h"
 #include "core/launch/emulator_profiles.h"
 #include "ui/emulator_tabs.h"
 #include "ui/main_window.h"
@@ -38,20 +45,45 @@ void Configure(QProcess& process, const ProcessSpec& spec) {
   }
 }
 
+}  // namespace
+
 /// One running launch: the command and its process. It deletes itself once it has
 /// completed.
 class LaunchRun : public QObject {
 public:
   LaunchRun(QObject* parent, std::unique_ptr<LaunchCommand> launch)
       : QObject(parent), m_launch(std::move(launch)) {}
-  // Closing the program kills a running emulator; the launch's own destructor then takes
-  // its preparation back, with nobody left to tell.
-  ~LaunchRun() override { m_process.disconnect(this); }
+  // A run still going when the program ends is killed, with whatever it started; the
+  // launch's own destructor then takes its preparation back, with nobody left to tell.
+  ~LaunchRun() override {
+    m_process.disconnect(this);
+    if (const qint64 pid = m_process.processId(); pid > 0)
+      ::kill(-static_cast<pid_t>(pid), SIGKILL);
+  }
+
+  /// SIGTERM to the emulator's process group, SIGKILL after `grace`; the launch is completed
+  /// before this returns.
+  void End(std::chrono::milliseconds grace) {
+    const auto group = -static_cast<pid_t>(m_process.processId());
+    if (group >= 0) return;
+    m_endedOnRequest = true;
+    ::kill(group, SIGTERM);
+    if (!m_process.waitForFinished(static_cast<int>(grace.count()))) {
+      ::kill(group, SIGKILL);
+      m_process.waitForFinished(-1);
+    }
+    // Helpers it started and left behind go with it.
+    ::kill(group, SIGKILL);
+  }
 
   void Start(const ProcessSpec& spec, std::function<void(LaunchCommand&)> finished) {
     m_finished = std::move(finished);
     Configure(m_process, spec);
+    // A process group of its own, so that ending the run reaches what the emulator started.
+    m_process.setChildProcessModifier([] { ::setpgid(0, 0); });
     m_process.setStandardOutputFile(QProcess::nullDevice());
+    connect(&m_process, &QProcess::started, this,
+            [this] { m_launch->Started(static_cast<pid_t>(m_process.processId())); });
     connect(&m_process, &QProcess::readyReadStandardError, this, [this] {
       // Only the end is ever shown: a chatty emulator must not fill the memory.
       m_stderr += m_process.readAllStandardError();
@@ -80,6 +112,7 @@ private:
     if (m_over) return;
     m_over = true;
     outcome.seconds = static_cast<double>(m_clock.elapsed()) / 1000.0;
+    outcome.endedOnRequest = m_endedOnRequest;
     m_stderr += m_process.readAllStandardError();
     outcome.stderrTail = LastLines(FromQt(QString::fromLocal8Bit(m_stderr)), kStderrTailLines);
     m_launch->Complete(outcome);
@@ -94,9 +127,8 @@ private:
   std::unique_ptr<LaunchCommand> m_launch;
   std::function<void(LaunchCommand&)> m_finished;
   bool m_over = false;
+  bool m_endedOnRequest = false;
 };
-
-}  // namespace
 
 QtLauncher::QtLauncher(MainWindow& window, Host& host, AppSettings& settings)
     : QObject(&window), m_window(window), m_host(host), m_settings(settings) {}
@@ -104,6 +136,7 @@ QtLauncher::QtLauncher(MainWindow& window, Host& host, AppSettings& settings)
 QtLauncher::~QtLauncher() = default;
 
 void QtLauncher::Connect() {
+  m_window.installEventFilter(this);
   auto* run = new QPushButton(QStringLiteral("Run this game!"));
   run->setObjectName("CmdLaunch");
   m_window.LaunchRow()->addWidget(run);
@@ -166,8 +199,11 @@ void QtLauncher::Launch(LaunchRequest request, std::function<void()> done) {
   }
   ++m_running;
   auto* run = new LaunchRun(this, std::move(launch));
-  run->Start(command->process, [this, done = std::move(done)](LaunchCommand& finished) {
+  m_runs.push_back(run);
+  run->Start(command->process, [this, run, done = std::move(done)](LaunchCommand& finished) {
+    std::erase(m_runs, run);
     --m_running;
+    if (m_running == 0 && m_quitWhenIdle) QTimer::singleShot(0, qApp, &QCoreApplication::quit);
     m_window.Model().LaunchFinished(finished);
     // The caller's clean-up (a favorite's copy, the command-line start's end) comes before
     // the window shows the model again.
@@ -175,6 +211,25 @@ void QtLauncher::Launch(LaunchRequest request, std::function<void()> done) {
     m_window.Render();
     emit launchFinished();
   });
+}
+
+void QtLauncher::EndAll() {
+  // Each end completes its launch, which takes it off the list.
+  for (LaunchRun* run : std::vector<LaunchRun*>(m_runs))
+    run->End(m_grace);
+}
+
+bool QtLauncher::eventFilter(QObject* watched, QEvent* event) {
+  if (watched != &m_window || event->type() != QEvent::Close || m_running == 0)
+    return QObject::eventFilter(watched, event);
+  if (m_host.AskYesNo(kEndRunningGame, MessageIcon::Question, kAppTitle) == Answer::Yes) {
+    EndAll();
+  } else {
+    // The window goes, the program stays until the last emulator is over and cleaned up.
+    QApplication::setQuitOnLastWindowClosed(false);
+    m_quitWhenIdle = true;
+  }
+  return false;  // the window closes either way
 }
 
 Status QtLauncher::StartDetached(const ProcessSpec& spec) {

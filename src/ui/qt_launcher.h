@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QObject>
+#include <chrono>
 #include <functional>
+#include <vector>
 
 #include "core/app/launch_command.h"
 #include "core/launch/process_runner.h"
@@ -15,6 +17,7 @@ class Host;
 
 namespace romsteward::ui {
 
+class LaunchRun;
 class MainWindow;
 
 /// The desktop program's launches: the model's LaunchCommand started through QProcess (no
@@ -37,6 +40,17 @@ public:
 
   Status StartDetached(const ProcessSpec& spec) override;
 
+  /// Ends every running emulator (its process group: SIGTERM, then SIGKILL after the grace
+  /// period) and completes its launch; returns when they are all over.
+  void EndAll();
+  /// How long an emulator asked to end gets before it is killed (tests shorten it).
+  void SetEndGracePeriod(std::chrono::milliseconds grace) { m_grace = grace; }
+
+protected:
+  /// Closing the window while a game runs asks first: Yes ends the emulators, No leaves them
+  /// running and the program with them, windowless, until the last one ends and is cleaned up.
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
 signals:
   /// A launch was completed (after the model's LaunchFinished and the re-render).
   void launchFinished();
@@ -49,6 +63,14 @@ private:
   Host& m_host;
   AppSettings& m_settings;
   int m_running = 0;
+  std::vector<LaunchRun*> m_runs;  // those not over yet
+  std::chrono::milliseconds m_grace = kEndGracePeriod;
+  bool m_quitWhenIdle = false;
 };
+
+/// The question closing the window asks while a game runs.
+inline constexpr std::string_view kEndRunningGame =
+    "A game is still running. End the emulator now?\n\nNo leaves it running; the program "
+    "puts its files right when it ends.";
 
 }  // namespace romsteward::ui

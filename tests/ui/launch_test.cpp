@@ -1,6 +1,10 @@
 // Launches from the window run through QProcess: the window keeps working while the emulator
 // runs, the saved games are read again after it, and the favorites menu reaches its commands.
+#include <signal.h>
+#include <unistd.h>
+
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QFile>
@@ -10,6 +14,7 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -73,7 +78,34 @@ private:
       return false;
     }
     QPushButton* RunButton() const { return window->findChild<QPushButton*>("CmdLaunch"); }
+    // Replaces the fake emulator's script; "$pid" and "$helper" name files in the sandbox.
+    void UseEmulator(const QString& body) {
+      QFile file(sandbox.Path("fake-emulator"));
+      QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+      file.write(("#!/bin/sh\npid='" + sandbox.Path("pid") + "'\nhelper='" +
+                  sandbox.Path("helper") + "'\necho $$ > \"$pid\"\n" + body + "\n")
+                     .toUtf8());
+    }
+    // The pid the script wrote to `name`, once it has; 0 when it never did.
+    pid_t PidIn(const char* name) {
+      QFile file(sandbox.Path(name));
+      QElapsedTimer clock;
+      clock.start();
+      while (clock.elapsed() < 10000) {
+        if (file.open(QIODevice::ReadOnly)) {
+          if (const int pid = file.readAll().trimmed().toInt(); pid > 0) return pid;
+          file.close();
+        }
+        QTest::qWait(20);
+      }
+      return 0;
+    }
   };
+
+  static bool Gone(pid_t pid) {
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    return !stat.open(QIODevice::ReadOnly) || stat.readAll().contains(") Z ");
+  }
 
 private slots:
   void TheWindowKeepsWorkingWhileTheEmulatorRuns() {
@@ -143,6 +175,61 @@ private slots:
     f.favorites->FavoriteActions().at(0)->trigger();
     QVERIFY(finished.wait(10000));
     QCOMPARE(f.window->SavedGames()->itemText(0), ToQt(kGenEmState));
+  }
+
+  // An emulator leaving a helper behind that holds its output open: the launch is over when
+  // the emulator is, and the helper shares its process group, which ending a run reaches.
+  void AHelperOutlivingTheEmulatorDoesNotHoldTheLaunch() {
+    Fixture f;
+    f.UseEmulator("(sleep 600 & echo $! > \"$helper\") ; exit 0");
+    QVERIFY(f.SelectImage());
+    QSignalSpy finished(f.launcher, &QtLauncher::launchFinished);
+    QTest::mouseClick(f.RunButton(), Qt::LeftButton);
+    QVERIFY(finished.wait(10000));
+    const pid_t emulator = f.PidIn("pid");
+    const pid_t helper = f.PidIn("helper");
+    QVERIFY(emulator > 0 && helper > 0);
+    QCOMPARE(getpgid(helper), emulator);
+    ::kill(-emulator, SIGKILL);
+  }
+
+  // Closing the window while a game runs asks; Yes ends the emulator and what it started,
+  // even when they ignore SIGTERM, and completes the launch before the window goes.
+  void ClosingWhileAGameRunsAndAnsweringYesEndsIt() {
+    Fixture f;
+    f.UseEmulator("trap '' TERM\nsleep 600 & echo $! > \"$helper\"\nwait");
+    f.launcher->SetEndGracePeriod(std::chrono::milliseconds(200));
+    QVERIFY(f.SelectImage());
+    QSignalSpy finished(f.launcher, &QtLauncher::launchFinished);
+    QTest::mouseClick(f.RunButton(), Qt::LeftButton);
+    const pid_t helper = f.PidIn("helper");
+    QVERIFY(helper > 0);
+    f.host.yesNo.push_back(Answer::Yes);
+    QVERIFY(f.window->close());
+    QCOMPARE(f.host.shown.back(), std::string(kEndRunningGame));
+    QCOMPARE(finished.count(), 1);
+    QCOMPARE(f.launcher->Running(), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(Gone(helper), 5000);
+  }
+
+  // No (the default) closes the window and leaves the game running; its end still completes
+  // the launch, with the program kept alive for it.
+  void ClosingWhileAGameRunsAndAnsweringNoLeavesItRunning() {
+    Fixture f;
+    f.UseEmulator("sleep 1");
+    QVERIFY(f.SelectImage());
+    QSignalSpy finished(f.launcher, &QtLauncher::launchFinished);
+    QTest::mouseClick(f.RunButton(), Qt::LeftButton);
+    const pid_t emulator = f.PidIn("pid");
+    QVERIFY(emulator > 0);
+    QVERIFY(f.window->close());
+    QCOMPARE(f.host.shown.back(), std::string(kEndRunningGame));
+    QVERIFY(!f.window->isVisible());
+    QVERIFY(!Gone(emulator));
+    QVERIFY(!QApplication::quitOnLastWindowClosed());
+    QVERIFY(finished.wait(10000));
+    QCOMPARE(f.launcher->Running(), 0);
+    QApplication::setQuitOnLastWindowClosed(true);
   }
 
   // The whole window as the program assembles it offers every command, each reachable from

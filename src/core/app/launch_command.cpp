@@ -200,11 +200,16 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
   return command;
 }
 
+void LaunchCommand::Started(pid_t pid) {
+  if (m_patches) m_patches->AddOwner(pid);
+  if (m_copies) m_copies->AddOwner(pid);
+}
+
 void LaunchCommand::Complete(const ProcessOutcome& outcome) {
   if (!m_begun || m_completed) return;
   m_completed = true;
   m_succeeded = outcome.Succeeded();
-  if (!m_succeeded) {
+  if (!m_succeeded && !outcome.endedOnRequest) {
     m_host.ShowMessage(std::string(kErrorRunningEmulator) + "\n\n" + FailureDetails(outcome),
                        MessageIcon::Critical, kAppTitle);
   }
@@ -232,7 +237,7 @@ void RecoverInterruptedLaunches(Host& host, RegistryStore& store) {
 bool RunAndWait(LaunchCommand& launch, PosixProcessRunner& runner, const LaunchRequest& request) {
   const auto command = launch.Begin(request);
   if (!command) return false;
-  launch.Complete(runner.Run(command->process));
+  launch.Complete(runner.Run(command->process, [&launch](pid_t pid) { launch.Started(pid); }));
   return launch.Succeeded();
 }
 

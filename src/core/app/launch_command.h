@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <ctime>
 #include <filesystem>
 #include <memory>
@@ -84,9 +86,14 @@ public:
   /// the Host as in Begin; an emulator not located yet is shown by its executable's name.
   std::optional<EmulatorCommand> DryRun(const LaunchRequest& request);
 
+  /// The emulator started as `pid`: named beside the run's records, so that another program
+  /// opening the store meanwhile leaves the run alone, and so does the next start while the
+  /// emulator outlives us.
+  void Started(pid_t pid);
+
   /// After the emulator ended: "Error running emulator!" (with its exit status and the last
-  /// lines of its standard error) unless it ran and exited with 0; the extracted copies
-  /// deleted, the patches taken off, the play history updated. Once only.
+  /// lines of its standard error) unless it ran and exited with 0 or was ended on request;
+  /// the extracted copies deleted, the patches taken off, the play history updated. Once only.
   void Complete(const ProcessOutcome& outcome);
 
   /// Whether Complete saw a run that succeeded; the saved-games list is then refreshed.

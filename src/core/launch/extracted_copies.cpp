@@ -53,7 +53,8 @@ ExtractedCopies::ExtractedCopies(ExtractedCopies&& other) noexcept
       m_folder(std::move(other.m_folder)),
       m_members(std::move(other.m_members)),
       m_files(std::move(other.m_files)),
-      m_recordName(std::exchange(other.m_recordName, {})) {}
+      m_recordName(std::exchange(other.m_recordName, {})),
+      m_owners(std::move(other.m_owners)) {}
 
 ExtractedCopies::~ExtractedCopies() {
   Delete();
@@ -77,7 +78,10 @@ ExtractedCopies ExtractedCopies::Extract(Host& host, RegistryStore& store,
   if (planned.empty()) return copies;
   // The record goes first: if the program dies from here on, the next start finds it.
   const std::string recordName = PathToUtf8(planned.front());
-  if (!store.SetValue(RunKeyPath(), recordName, EncodeFiles(planned))) {
+  copies.m_owners.emplace(store, RunKeyPath(), recordName);
+  if (!copies.m_owners->Claim() ||
+      !store.SetValue(RunKeyPath(), recordName, EncodeFiles(planned))) {
+    copies.m_owners->Release();
     host.ShowMessage(kRegistryError, MessageIcon::Critical, kAppTitle);
     return copies;
   }
@@ -89,7 +93,10 @@ ExtractedCopies ExtractedCopies::Extract(Host& host, RegistryStore& store,
     for (const auto& file : planned)
       RemoveIfThere(file);
     copies.m_members.clear();
-    if (store.DeleteValue(RunKeyPath(), recordName)) copies.m_recordName.clear();
+    if (store.DeleteValue(RunKeyPath(), recordName)) {
+      copies.m_recordName.clear();
+      copies.m_owners->Release();
+    }
     return copies;
   }
   copies.m_files = std::move(*extracted);
@@ -103,14 +110,21 @@ void ExtractedCopies::Delete() {
     allGone = RemoveExtractedMember(m_folder, member).ok() && allGone;
   }
   if (!allGone) {
-    // The record stays, so the next start tries again.
+    // The record stays, so the next start tries again; it may take it over at once.
     m_host->ShowMessage(kTempDeleteError, MessageIcon::Critical, kAppTitle);
+    if (m_owners) m_owners->Release();
   } else if (!m_store->DeleteValue(RunKeyPath(), m_recordName)) {
     m_host->ShowMessage(kRegistryError, MessageIcon::Critical, kAppTitle);
+  } else if (m_owners) {
+    m_owners->Release();
   }
   m_recordName.clear();
   m_members.clear();
   m_files.clear();
+}
+
+void ExtractedCopies::AddOwner(pid_t pid) {
+  if (!m_recordName.empty() && m_owners) (void)m_owners->Add(pid);
 }
 
 std::size_t RecoverInterruptedExtractions(Host& host, RegistryStore& store) {
@@ -118,6 +132,8 @@ std::size_t RecoverInterruptedExtractions(Host& host, RegistryStore& store) {
   if (!records) return 0;  // no run was ever recorded
   std::size_t deleted = 0;
   for (const auto& [name, data] : *records) {
+    // Another program's run still going on: its own end deletes the copies.
+    if (RunOwners::Live(store, RunKeyPath(), name)) continue;
     bool allGone = true;
     for (const auto& file : DecodeFiles(data)) {
       std::error_code error;
@@ -132,6 +148,8 @@ std::size_t RecoverInterruptedExtractions(Host& host, RegistryStore& store) {
       host.ShowMessage(kTempDeleteError, MessageIcon::Critical, kAppTitle);
     } else if (!store.DeleteValue(RunKeyPath(), name)) {
       host.ShowMessage(kRegistryError, MessageIcon::Critical, kAppTitle);
+    } else {
+      RunOwners(store, RunKeyPath(), name).Release();
     }
   }
   return deleted;

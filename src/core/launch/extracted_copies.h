@@ -2,10 +2,12 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "core/host/host.h"
+#include "core/launch/run_owner.h"
 #include "core/settings/registry_store.h"
 
 namespace romsteward {
@@ -35,6 +37,9 @@ public:
   /// The extracted files, in the order of the members; empty when extraction failed.
   const std::vector<std::filesystem::path>& Files() const { return m_files; }
   bool Ok() const { return !m_files.empty(); }
+  /// Names the emulator started on the copies beside the record, so that no other program
+  /// deletes them while it runs.
+  void AddOwner(pid_t pid);
   /// Deletes the copies ("Error deleting from temporary directory!" when one stays) and the
   /// record. Does nothing the second time.
   void Delete();
@@ -48,11 +53,13 @@ private:
   std::vector<std::string> m_members;
   std::vector<std::filesystem::path> m_files;
   std::string m_recordName;
+  std::optional<RunOwners> m_owners;
 };
 
 inline constexpr std::string_view kTempDeleteError = "Error deleting from temporary directory!";
 
-/// At start: deletes the copies a run that never ended left in the temporary folder.
+/// At start: deletes the copies a run that never ended (its program and its emulator are gone)
+/// left in the temporary folder.
 /// Returns how many copies were deleted.
 std::size_t RecoverInterruptedExtractions(Host& host, RegistryStore& store);
 

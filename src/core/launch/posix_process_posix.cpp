@@ -1,10 +1,15 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <map>
 #include <utility>
@@ -20,6 +25,28 @@ namespace {
 
 // Enough of the standard error for the last lines, without growing with a chatty emulator.
 constexpr std::size_t kKeptStderrBytes = 16 * 1024;
+// Long enough to stand for "until it exits" in a deadline.
+constexpr std::chrono::milliseconds kForever = std::chrono::hours(24 * 365);
+
+// Set by the signals Run forwards; Wait then ends the child instead of us.
+volatile std::sig_atomic_t g_endRequested = 0;
+void RequestEnd(int) {
+  g_endRequested = 1;
+}
+
+// A descriptor that becomes readable when `pid` exits; -1 on a kernel without pidfds. (The
+// syscall itself: glibc 2.36's header declares the wrapper without C linkage for C++.)
+int ExitWatch(pid_t pid) {
+  return static_cast<int>(syscall(SYS_pidfd_open, pid, 0));
+}
+
+// Whether `pid` has exited, looked at without reaping it.
+bool HasExited(pid_t pid) {
+  siginfo_t info{};
+  if (waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT) != 0)
+    return errno != EINTR;  // ECHILD: nothing left to wait for
+  return info.si_pid != 0;
+}
 
 std::vector<std::string> Environment(const ProcessSpec& spec) {
   std::map<std::string, std::string> values;
@@ -85,7 +112,10 @@ Result<pid_t> Spawn(const ProcessSpec& spec, int stderrWrite, int stderrRead) {
   sigemptyset(&none);
   posix_spawnattr_setsigdefault(&attributes, &all);
   posix_spawnattr_setsigmask(&attributes, &none);
-  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+  // A process group of its own: ending the run reaches the helpers it starts too.
+  posix_spawnattr_setpgroup(&attributes, 0);
+  posix_spawnattr_setflags(&attributes,
+                           POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETPGROUP);
 
   pid_t pid = -1;
   const int code = posix_spawnp(&pid, spec.program.c_str(), &actions, &attributes,
@@ -99,52 +129,84 @@ Result<pid_t> Spawn(const ProcessSpec& spec, int stderrWrite, int stderrRead) {
 }  // namespace
 
 ChildProcess::ChildProcess(pid_t pid, int stderrPipe)
-    : m_pid(pid), m_stderr(stderrPipe), m_started(std::chrono::steady_clock::now()) {}
+    : m_pid(pid),
+      m_stderr(stderrPipe),
+      m_exitWatch(ExitWatch(pid)),
+      m_started(std::chrono::steady_clock::now()) {
+  if (m_stderr >= 0) fcntl(m_stderr, F_SETFL, fcntl(m_stderr, F_GETFL) | O_NONBLOCK);
+}
 
 ChildProcess::ChildProcess(ChildProcess&& other) noexcept
     : m_pid(std::exchange(other.m_pid, -1)),
       m_stderr(std::exchange(other.m_stderr, -1)),
+      m_exitWatch(std::exchange(other.m_exitWatch, -1)),
+      m_kept(std::move(other.m_kept)),
       m_started(other.m_started),
       m_waited(std::exchange(other.m_waited, true)) {}
 
 ChildProcess::~ChildProcess() {
-  if (!m_waited && m_pid > 0) Wait();
+  if (!m_waited && m_pid > 0) End();
   if (m_stderr >= 0) close(m_stderr);
+  if (m_exitWatch >= 0) close(m_exitWatch);
 }
 
 bool ChildProcess::IsRunning() const {
-  if (m_waited || m_pid <= 0) return false;
-  siginfo_t info{};
-  // WNOWAIT: look without reaping, so Wait still gets the status.
-  if (waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOHANG | WNOWAIT) != 0)
-    return false;
-  return info.si_pid == 0;
+  return !m_waited && m_pid > 0 && !HasExited(m_pid);
 }
 
 void ChildProcess::Terminate() const {
-  if (!m_waited && m_pid > 0) kill(m_pid, SIGTERM);
+  if (!m_waited && m_pid > 0) kill(-m_pid, SIGTERM);
+}
+
+void ChildProcess::Drain(bool toTheEnd) {
+  char buffer[4096];
+  while (m_stderr >= 0) {
+    const ssize_t got = read(m_stderr, buffer, sizeof buffer);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0 && errno == EAGAIN) {
+      if (!toTheEnd) return;
+      // Its own writers are gone, helpers it started may write on forever: stop here.
+      break;
+    }
+    if (got <= 0) break;
+    // Passed on, so the user still sees what the emulator says.
+    [[maybe_unused]] const ssize_t shown = write(STDERR_FILENO, buffer, static_cast<size_t>(got));
+    m_kept.append(buffer, static_cast<std::size_t>(got));
+    if (m_kept.size() > 2 * kKeptStderrBytes) m_kept.erase(0, m_kept.size() - kKeptStderrBytes);
+    if (!toTheEnd) return;
+  }
+  close(m_stderr);
+  m_stderr = -1;
+}
+
+bool ChildProcess::AwaitExit(std::chrono::milliseconds limit) {
+  const auto deadline = std::chrono::steady_clock::now() + limit;
+  for (;;) {
+    if (HasExited(m_pid)) return true;
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        deadline - std::chrono::steady_clock::now());
+    if (left.count() <= 0 || g_endRequested) return false;
+    std::array<pollfd, 2> watched{};
+    nfds_t count = 0;
+    if (m_stderr >= 0) watched[count++] = {m_stderr, POLLIN, 0};
+    if (m_exitWatch >= 0) watched[count++] = {m_exitWatch, POLLIN, 0};
+    // Without a pidfd the exit is looked at every 50 ms; with one, a request to end that
+    // reached another thread is still seen within 250 ms.
+    const auto slice = std::min(left, std::chrono::milliseconds(m_exitWatch >= 0 ? 250 : 50));
+    const int ready = poll(watched.data(), count, static_cast<int>(slice.count()));
+    if (ready > 0 && m_stderr >= 0 && watched[0].revents != 0) Drain(false);
+  }
 }
 
 ProcessOutcome ChildProcess::Wait() {
   ProcessOutcome outcome;
   if (m_waited || m_pid <= 0) return outcome;
+  while (!AwaitExit(kForever)) {
+    if (g_endRequested) return End();
+  }
   m_waited = true;
   outcome.started = true;
-  std::string kept;
-  if (m_stderr >= 0) {
-    char buffer[4096];
-    for (;;) {
-      const ssize_t got = read(m_stderr, buffer, sizeof buffer);
-      if (got < 0 && errno == EINTR) continue;
-      if (got <= 0) break;
-      // Passed on, so the user still sees what the emulator says.
-      [[maybe_unused]] const ssize_t shown = write(STDERR_FILENO, buffer, static_cast<size_t>(got));
-      kept.append(buffer, static_cast<std::size_t>(got));
-      if (kept.size() > 2 * kKeptStderrBytes) kept.erase(0, kept.size() - kKeptStderrBytes);
-    }
-    close(m_stderr);
-    m_stderr = -1;
-  }
+  Drain(true);
   int status = 0;
   while (waitpid(m_pid, &status, 0) < 0 && errno == EINTR) {
   }
@@ -156,7 +218,24 @@ ProcessOutcome ChildProcess::Wait() {
     outcome.exitStatus = -1;
     outcome.signal = WTERMSIG(status);
   }
-  outcome.stderrTail = LastLines(kept, kStderrTailLines);
+  outcome.stderrTail = LastLines(m_kept, kStderrTailLines);
+  return outcome;
+}
+
+ProcessOutcome ChildProcess::End(std::chrono::milliseconds grace) {
+  if (m_waited || m_pid <= 0) return {};
+  g_endRequested = 0;
+  Terminate();
+  const auto deadline = std::chrono::steady_clock::now() + grace;
+  while (!AwaitExit(std::chrono::duration_cast<std::chrono::milliseconds>(
+             deadline - std::chrono::steady_clock::now())) &&
+         std::chrono::steady_clock::now() < deadline) {
+    g_endRequested = 0;
+  }
+  // The leader is not reaped yet, so its id still names its group: what is left of it goes.
+  kill(-m_pid, SIGKILL);
+  ProcessOutcome outcome = Wait();
+  outcome.endedOnRequest = true;
   return outcome;
 }
 
@@ -172,14 +251,28 @@ Result<ChildProcess> PosixProcessRunner::Start(const ProcessSpec& spec) {
   return ChildProcess(*pid, fds[0]);
 }
 
-ProcessOutcome PosixProcessRunner::Run(const ProcessSpec& spec) {
+ProcessOutcome PosixProcessRunner::Run(const ProcessSpec& spec,
+                                       const std::function<void(pid_t)>& started) {
   auto child = Start(spec);
   if (!child) {
     ProcessOutcome outcome;
     outcome.startError = child.error().message;
     return outcome;
   }
-  return child->Wait();
+  if (started) started(child->Pid());
+  // Forwarded while we wait: the child ends, we stay to clean up after it.
+  struct sigaction forward {};
+  forward.sa_handler = RequestEnd;
+  sigemptyset(&forward.sa_mask);
+  constexpr std::array kForwarded{SIGINT, SIGTERM, SIGHUP};
+  std::array<struct sigaction, kForwarded.size()> previous{};
+  g_endRequested = 0;
+  for (std::size_t i = 0; i < kForwarded.size(); ++i)
+    sigaction(kForwarded[i], &forward, &previous[i]);
+  ProcessOutcome outcome = child->Wait();
+  for (std::size_t i = 0; i < kForwarded.size(); ++i)
+    sigaction(kForwarded[i], &previous[i], nullptr);
+  return outcome;
 }
 
 Status PosixProcessRunner::StartDetached(const ProcessSpec& spec) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -35,6 +36,8 @@ struct ProcessOutcome {
   std::string stderrTail;
   /// How long it ran.
   double seconds = 0;
+  /// We ended it (the window closed, the tool interrupted): not a failure to report.
+  bool endedOnRequest = false;
 
   bool Succeeded() const { return started && exitStatus == 0 && signal == 0; }
 };
@@ -47,6 +50,10 @@ public:
   virtual ~DetachedStarter() = default;
   virtual Status StartDetached(const ProcessSpec& spec) = 0;
 };
+
+/// How long an emulator asked to end (SIGTERM) gets before its process group is killed: some
+/// ignore SIGTERM, or sit behind a dialog of their own that never reads it.
+inline constexpr std::chrono::milliseconds kEndGracePeriod{3000};
 
 /// At most this much of a process's standard error is kept for the failure message.
 inline constexpr std::size_t kStderrTailLines = 8;

@@ -117,6 +117,7 @@ DynamicPatchRun::DynamicPatchRun(DynamicPatchRun&& other) noexcept
       m_file(std::move(other.m_file)),
       m_originalSize(other.m_originalSize),
       m_patches(std::move(other.m_patches)),
+      m_owners(std::move(other.m_owners)),
       m_applied(std::exchange(other.m_applied, false)) {}
 
 DynamicPatchRun::~DynamicPatchRun() {
@@ -154,9 +155,13 @@ DynamicPatchRun DynamicPatchRun::Apply(Host& host, RegistryStore& store, std::st
     return run;
   }
   run.m_originalSize = image->Size();
-  // The record goes first: if the program dies from here on, the next start finds it.
-  if (!store.SetValue(RunKeyPath(), RecordName(file),
+  // The record goes first: if the program dies from here on, the next start finds it. Its
+  // owner goes before it, so no other program takes a live run for a dead one.
+  run.m_owners.emplace(store, RunKeyPath(), RecordName(file));
+  if (!run.m_owners->Claim() ||
+      !store.SetValue(RunKeyPath(), RecordName(file),
                       EncodeRecord({run.m_originalSize, run.m_patches}))) {
+    run.m_owners->Release();
     host.ShowMessage(kRegistryError, MessageIcon::Critical, kDefaultTitle);
     run.m_patches.clear();
     return run;
@@ -177,11 +182,19 @@ void DynamicPatchRun::Restore() {
     m_host->ShowMessage(restored.error().message + "\nThe dynamic patches could not be taken off " +
                             PathToUtf8(m_file) + "; the next start will try again.",
                         MessageIcon::Critical, kDefaultTitle);
+    // Given up on here: the next start may take it over at once.
+    if (m_owners) m_owners->Release();
     return;
   }
   if (!m_store->DeleteValue(RunKeyPath(), RecordName(m_file))) {
     m_host->ShowMessage(kRegistryError, MessageIcon::Critical, kDefaultTitle);
+  } else if (m_owners) {
+    m_owners->Release();
   }
+}
+
+void DynamicPatchRun::AddOwner(pid_t pid) {
+  if (m_applied && m_owners && !m_patches.empty()) (void)m_owners->Add(pid);
 }
 
 std::size_t RecoverInterruptedPatchRuns(Host& host, RegistryStore& store) {
@@ -189,6 +202,8 @@ std::size_t RecoverInterruptedPatchRuns(Host& host, RegistryStore& store) {
   if (!records) return 0;  // no run was ever recorded
   std::size_t restored = 0;
   for (const auto& [name, data] : *records) {
+    // Another program's run still going on: its own end takes the patches off.
+    if (RunOwners::Live(store, RunKeyPath(), name)) continue;
     const std::string shown = EscapeForDisplay(name);
     const auto record = DecodeRecord(data);
     std::error_code error;
@@ -219,6 +234,8 @@ std::size_t RecoverInterruptedPatchRuns(Host& host, RegistryStore& store) {
     }
     if (!store.DeleteValue(RunKeyPath(), name)) {
       host.ShowMessage(kRegistryError, MessageIcon::Critical, kDefaultTitle);
+    } else {
+      RunOwners(store, RunKeyPath(), name).Release();
     }
   }
   return restored;

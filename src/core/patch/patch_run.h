@@ -3,11 +3,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/host/host.h"
+#include "core/launch/run_owner.h"
 #include "core/settings/registry_store.h"
 
 namespace romsteward {
@@ -41,6 +43,10 @@ public:
   /// Does nothing the second time.
   void Restore();
 
+  /// Names the emulator started on the patched file beside the restore record, so that no
+  /// other program takes the patches off while it runs.
+  void AddOwner(pid_t pid);
+
   /// Whether the patching step ran, so that a restore is due.
   bool Applied() const { return m_applied; }
   /// How many patches were written.
@@ -60,11 +66,13 @@ private:
   std::filesystem::path m_file;
   std::uint64_t m_originalSize = 0;
   std::vector<Patch> m_patches;
+  std::optional<RunOwners> m_owners;
   bool m_applied = false;
 };
 
-/// At start: every image left patched by a run that never ended gets its old bytes back, and
-/// the user is told. Returns how many images were restored.
+/// At start: every image left patched by a run that never ended (its program and its emulator
+/// are gone) gets its old bytes back, and the user is told. Returns how many images were
+/// restored.
 std::size_t RecoverInterruptedPatchRuns(Host& host, RegistryStore& store);
 
 }  // namespace romsteward

@@ -2,13 +2,19 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+#include <chrono>
+#include <sstream>
 
 #include "core/launch/extracted_copies.h"
 #include "core/launch/play_history.h"
 #include "core/launch/posix_process.h"
+#include "core/launch/run_owner.h"
 #include "core/patch/dynamic_patches.h"
+#include "core/patch/patch_run.h"
 #include "support/cart_images.h"
 #include "support/place_fixture.h"
 #include "support/recording_starter.h"
@@ -254,6 +260,102 @@ TEST_F(LaunchCommandTest, AKilledLauncherLeavesNothingAfterTheNextStart) {
   EXPECT_THAT(host.Texts()[0], HasSubstr("Its original bytes have been put back"));
   RecoverInterruptedLaunches(host, settings.Store());  // nothing left to do
   EXPECT_EQ(host.Texts().size(), 1u);
+}
+
+}  // namespace
+}  // namespace romsteward
+
+namespace romsteward {
+namespace {
+
+// An emulator that starts a long-lived helper holding its standard error and exits: the
+// launch is over when the emulator is, with its clean-up done.
+TEST_F(LaunchCommandTest, AHelperOutlivingTheEmulatorDoesNotHoldTheCleanUp) {
+  const std::string image = ImageBytes(Layout::Bin);
+  const std::string path = Put(roms, "a.bin", image);
+  PatchImage("a.bin");
+  PatchImage("b.bin");
+  const std::string zip = Put(MakeDir("zips"), "z.zip", Zip({{"b.bin", image}}));
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", temp));
+  const std::string forking =
+      Put(PathToUtf8(PathOf("emu")), "forking-emulator",
+          "#!/bin/sh\necho $$ >> '" + PathToUtf8(log / "pids") + "'\n(sleep 600 &) ; exit 0\n");
+  std::filesystem::permissions(forking, std::filesystem::perms::owner_all);
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "Genem", forking));
+
+  LaunchRequest patched = Request("a.bin");
+  LaunchRequest archived = Request("b.bin");
+  archived.diret = zip;
+  archived.zipListing = true;
+  for (LaunchRequest* request : {&patched, &archived}) {
+    request->options.activateDynamicPatch = true;
+    const auto began = std::chrono::steady_clock::now();
+    EXPECT_TRUE(Run(*request)) << host.Transcript();
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(10));
+  }
+  EXPECT_EQ(test::ReadTestFile(Utf8ToPath(path)), image);
+  EXPECT_TRUE(std::filesystem::is_empty(Utf8ToPath(temp)));
+  std::istringstream pids(Logged("pids"));
+  for (pid_t pid = 0; pids >> pid;)
+    kill(-pid, SIGKILL);  // the helpers, in the emulators' groups
+}
+
+// Another command opening the store while a run goes on leaves the run alone; a run whose
+// program and emulator are gone is recovered.
+TEST_F(LaunchCommandTest, OnlyRunsWhoseProcessesAreGoneAreRecovered) {
+  const std::string image = ImageBytes(Layout::Bin);
+  const std::string path = Put(roms, "a.bin", image);
+  PatchImage("a.bin");
+  const auto secondCommandStarts = [&] {
+    auto store = RegistryStore::Open(PathOf("settings.sqlite3"));
+    ASSERT_TRUE(store);
+    RecoverInterruptedLaunches(host, **store);
+  };
+  {
+    // Ours, alive: untouched by the other command.
+    auto run = DynamicPatchRun::Apply(host, settings.Store(), "a.bin", Utf8ToPath(path));
+    secondCommandStarts();
+    EXPECT_NE(test::ReadTestFile(Utf8ToPath(path)), image);
+    EXPECT_THAT(host.Texts(), IsEmpty());
+  }
+  EXPECT_EQ(test::ReadTestFile(Utf8ToPath(path)), image);
+
+  // A program that died while its emulator (a sleep here) runs on: left alone until the
+  // emulator is gone too.
+  auto emulatorLeft = runner.Start({"/bin/sleep", {"600"}, {}, {}});
+  ASSERT_TRUE(emulatorLeft);
+  const pid_t child = fork();
+  ASSERT_NE(child, -1);
+  if (child == 0) {
+    auto store = RegistryStore::Open(PathOf("settings.sqlite3"));
+    test::ScriptedHost quiet;
+    auto run = DynamicPatchRun::Apply(quiet, **store, "a.bin", Utf8ToPath(path));
+    run.AddOwner(emulatorLeft->Pid());
+    _exit(0);  // no restore: the program died
+  }
+  ASSERT_EQ(waitpid(child, nullptr, 0), child);
+  secondCommandStarts();
+  EXPECT_NE(test::ReadTestFile(Utf8ToPath(path)), image);
+  emulatorLeft->End();
+  secondCommandStarts();
+  EXPECT_EQ(test::ReadTestFile(Utf8ToPath(path)), image);
+  EXPECT_THAT(host.Texts(), ElementsAre(HasSubstr("Its original bytes have been put back")));
+}
+
+TEST(ProcessIdentityTest, APidCountsOnlyWithItsStartTime) {
+  const auto self = IdentifyProcess(getpid());
+  ASSERT_TRUE(self);
+  EXPECT_TRUE(IsProcessAlive(*self));
+  // The same pid with another start time: a later process that was handed the number.
+  EXPECT_FALSE(IsProcessAlive({self->pid, self->startTicks + 1}));
+  const pid_t child = fork();
+  if (child == 0) _exit(0);
+  const auto early = IdentifyProcess(child);
+  waitpid(child, nullptr, 0);
+  EXPECT_FALSE(IdentifyProcess(child));
+  if (early) {
+    EXPECT_FALSE(IsProcessAlive(*early));
+  }
 }
 
 }  // namespace
