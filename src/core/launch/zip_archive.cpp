@@ -61,12 +61,15 @@ bool IsLink(archive_entry* entry) {
          archive_entry_symlink(entry) != nullptr;
 }
 
+// The steps of a member's name. "." steps name the folder they stand in and are dropped, so
+// "a/./b" and "a/b" are one file, and no step ever names a folder where a file should go.
 std::vector<std::string> SplitMemberName(std::string_view name) {
   std::vector<std::string> parts;
   std::size_t start = 0;
   for (std::size_t i = 0; i <= name.size(); ++i) {
     if (i == name.size() || name[i] == '/' || name[i] == '\\') {
-      if (i > start) parts.emplace_back(name.substr(start, i - start));
+      const std::string_view part = name.substr(start, i - start);
+      if (!part.empty() && part != ".") parts.emplace_back(part);
       start = i + 1;
     }
   }
@@ -232,10 +235,11 @@ std::string UnsafeMemberNameReason(std::string_view name) {
   if (name.find('\0') != std::string_view::npos) return "its name holds a NUL byte";
   if (name.front() == '/' || name.front() == '\\' || (name.size() >= 2 && name[1] == ':'))
     return "its name is an absolute path";
-  for (const std::string& part : SplitMemberName(name)) {
+  const std::vector<std::string> parts = SplitMemberName(name);
+  for (const std::string& part : parts) {
     if (part == "..") return "its name leads out of the folder it is extracted to";
   }
-  if (name.back() == '/' || name.back() == '\\') return "it is a folder";
+  if (parts.empty() || name.back() == '/' || name.back() == '\\') return "it is a folder";
   return {};
 }
 

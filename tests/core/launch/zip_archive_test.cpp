@@ -155,14 +155,24 @@ TEST_F(ZipArchiveTest, DuplicatedNamesAndAFailureHalfWayLeaveNothingBehind) {
   const std::vector<std::string> both = {"sub/ok.bin", "deep/bomb.bin"};
   EXPECT_FALSE(ExtractZipMembers(path, both, folder, 64 * 1024).ok());
   EXPECT_TRUE(std::filesystem::is_empty(folder));
+
+  // "." steps name the folder they stand in: "d/sub/." is the file d/sub, taken back whole.
+  const auto dotted = Archive(Zip({{"d/sub/.", "dot"}, {"d/./e.bin", "e"}}));
+  const std::vector<std::string> names = ListZipEntries(dotted, kAllFilesMask)->names;
+  ASSERT_THAT(names, ElementsAre("d/sub/.", "d/./e.bin"));
+  auto extracted = ExtractZipMembers(dotted, names, folder);
+  ASSERT_TRUE(extracted.ok()) << extracted.error().message;
+  EXPECT_EQ(test::ReadTestFile(folder / "d" / "sub"), "dot");
+  for (const std::string& name : names)
+    ASSERT_TRUE(RemoveExtractedMember(folder, name).ok());
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+  EXPECT_EQ(UnsafeMemberNameReason("./."), "it is a folder");
 }
 
 TEST_F(ZipArchiveTest, SevenZipArchivesGoThroughTheSameCode) {
-  auto built = BuildZipArchive({{"a.bin", "alpha"},
-                                {"sub/b.smd", "beta"},
-                                {"c.txt", "gamma"},
-                                {"../evil.bin", "x"}},
-                               ArchiveFormat::SevenZip);
+  auto built = BuildZipArchive(
+      {{"a.bin", "alpha"}, {"sub/b.smd", "beta"}, {"c.txt", "gamma"}, {"../evil.bin", "x"}},
+      ArchiveFormat::SevenZip);
   ASSERT_TRUE(built.ok()) << built.error().message;
   const auto path = Archive(*built, "a.7z");
   EXPECT_TRUE(IsZipFile(path) && HasZipSignature(path));
