@@ -102,6 +102,7 @@ private slots:
     QTest::keyClicks(f.window.PositionField(), "100");
     QTest::keyClicks(f.window.ValueField(), "ABC");
     auto* saved = f.window.findChild<QLabel*>("lblSaved");
+    QVERIFY(saved);
     QCOMPARE(saved->text(), QString());
     f.Save();
     QCOMPARE(f.window.ValueField()->text(), QString("0ABC"));  // as stored
