@@ -251,7 +251,18 @@ public:
 private:
   void AskToRemoveDeadFavorite(const std::string& title);
   void ShowRomInfo();
-  void RescanSelecting(const std::string& name);
+  /// Nothing selected: an empty panel, and off whatever works on a selection.
+  void ShowNoSelection();
+  /// The selected entry's file went away behind our back: says so and reads the list again.
+  bool ReportVanishedFile();
+  /// "Activate dynamic patch" on or off; switched off, it is unticked too, so that a launch
+  /// never patches an image whose box the user cannot see ticked.
+  void EnablePatchBox(bool enabled);
+  /// Rescans and selects `name`: by the halving search, or by the exact name when `exact`
+  /// (a command that just made the file knows its name, whatever the sort order).
+  void RescanSelecting(const std::string& name, bool exact = false);
+  /// Where a file dialog of the place starts: the place, or the folder of an archive.
+  std::string DialogFolder() const;
   bool RenameFirstVolume(const std::string& name);
   void ShowNonImage(bool zip);
   void ShowImage(const std::string& name, bool splitLater);
@@ -271,6 +282,8 @@ private:
   std::vector<std::string> m_entries;
   std::optional<std::size_t> m_selection;
   std::string m_currentFileName;
+  // Whether the panel shows an entry: nothing selected then still has to clear it.
+  bool m_panelShowsEntry = true;
   WindowTexts m_texts;
   WindowControls m_controls;
   EmulatorOptions m_options;

@@ -69,9 +69,11 @@ const std::array<EmulatorProfile, 6> kProfiles = {{
      false},
 }};
 
-// Debian installs its emulators in /usr/games, which is not on every PATH.
+// Debian installs its emulators here, which is not on every PATH.
+constexpr std::string_view kGamesFolder = "/usr/games";
+
 std::string InstalledProgram(std::string_view name) {
-  std::vector<std::string> folders{"/usr/games"};
+  std::vector<std::string> folders{std::string(kGamesFolder)};
   if (const char* path = std::getenv("PATH")) {
     std::string_view rest(path);
     while (!rest.empty()) {
@@ -135,6 +137,13 @@ void LocateEmulator(Host& host, AppSettings& settings, const EmulatorProfile& pr
   FileDialog dialog;
   dialog.title = profile.dialogTitle;
   dialog.filters = {profile.filter};
+  // Where the emulator was last found, else where Debian installs games.
+  const std::filesystem::path known =
+      Utf8ToPath(settings.GetSetting(kSectionSettings, profile.pathKey)).parent_path();
+  std::error_code error;
+  dialog.initialDir = !known.empty() && std::filesystem::is_directory(known, error)
+                          ? PathToUtf8(known)
+                          : std::string(kGamesFolder);
   const auto chosen = host.ChooseOpenFile(dialog);
   if (!chosen || chosen->empty()) return;
   if (Status saved = settings.SaveSetting(kSectionSettings, profile.pathKey, *chosen); !saved)
