@@ -1,8 +1,8 @@
 #include "core/app/main_window_model.h"
 
+#include "core/common/strings.h"
 #include "core/host/app_title.h"
 #include "core/host/host.h"
-#include "core/common/strings.h"
 #include "core/identify/chosen_dat.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"
@@ -90,6 +90,7 @@ void MainWindowModel::RefreshRomList() {
 void MainWindowModel::RescanSelecting(const std::string& remembered) {
   m_entries.clear();
   m_selection.reset();
+  m_unreadable = false;
   if (!m_diret.empty()) {
     if (IsZipFile(Utf8ToPath(m_diret))) {
       FillFromZip();
@@ -106,6 +107,7 @@ void MainWindowModel::FillFromDirectory() {
   auto names = ScanRomDirectory(Utf8ToPath(m_diret), Filter());
   if (!names) {
     m_host.ShowMessage(names.error().message, MessageIcon::Critical, kAppTitle);
+    m_unreadable = true;
     return;
   }
   SortRomNames(*names, Order());
@@ -118,6 +120,7 @@ void MainWindowModel::FillFromZip() {
   auto listing = ListZipEntries(Utf8ToPath(m_diret), MasksOf(Filter()));
   if (!listing) {
     m_host.ShowMessage(listing.error().message, MessageIcon::Critical, kAppTitle);
+    m_unreadable = true;
     return;
   }
   // Archive order, unsorted: the list is the archive's own table of contents.
