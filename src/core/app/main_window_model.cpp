@@ -98,6 +98,7 @@ std::string MainWindowModel::DialogFolder() const {
 void MainWindowModel::RescanSelecting(const std::string& remembered, bool exact) {
   m_entries.clear();
   m_selection.reset();
+  m_unreadable = false;
   if (!m_diret.empty()) {
     if (IsZipFile(Utf8ToPath(m_diret))) {
       FillFromZip();
@@ -119,6 +120,7 @@ void MainWindowModel::FillFromDirectory() {
   auto names = ScanRomDirectory(Utf8ToPath(m_diret), Filter());
   if (!names) {
     m_host.ShowMessage(names.error().message, MessageIcon::Critical, kAppTitle);
+    m_unreadable = true;
     return;
   }
   SortRomNames(*names, Order());
@@ -131,6 +133,7 @@ void MainWindowModel::FillFromZip() {
   auto listing = ListZipEntries(Utf8ToPath(m_diret), MasksOf(Filter()));
   if (!listing) {
     m_host.ShowMessage(listing.error().message, MessageIcon::Critical, kAppTitle);
+    m_unreadable = true;
     return;
   }
   // Archive order, unsorted: the list is the archive's own table of contents.

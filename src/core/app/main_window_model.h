@@ -94,6 +94,8 @@ public:
   bool SetDiret(std::string_view path);
   /// Whether the list shows the members of an archive.
   bool IsZipListing() const;
+  /// Whether the last scan could not read the place at all (the reason was shown).
+  bool IsUnreadable() const { return m_unreadable; }
   /// Rescans the place (F5, the filter and sort menus), keeping the selection when it can.
   void RefreshRomList();
   /// Puts `path` on top of the Directory menu and saves the menu as `dir0` ... `dir4`.
@@ -279,6 +281,7 @@ private:
   Host& m_host;
   AppSettings& m_settings;
   std::string m_diret;
+  bool m_unreadable = false;  // the last scan could not read the place
   std::vector<std::string> m_entries;
   std::optional<std::size_t> m_selection;
   std::string m_currentFileName;

@@ -8,12 +8,12 @@
 #include <memory>
 #include <system_error>
 
-#include "core/host/app_title.h"
-#include "core/host/host.h"
 #include "core/common/atomic_file.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
 #include "core/common/wildcard.h"
+#include "core/host/app_title.h"
+#include "core/host/host.h"
 
 namespace romsteward {
 
@@ -146,7 +146,9 @@ Status ReadCurrent(archive* reader, archive_entry* entry, std::string_view kind,
 Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view kind,
                       std::string_view member, const std::filesystem::path& target,
                       std::uint64_t sizeLimit) {
-  auto writer = AtomicFileWriter::Create(target);
+  // A link planted in the temporary folder under the member's name is replaced, never
+  // written through.
+  auto writer = AtomicFileWriter::Create(target, AtomicFileWriter::AtLink::Replace);
   if (!writer) return writer.error();
   if (Status read = ReadCurrent(reader, entry, kind, member, sizeLimit,
                                 [&writer](std::string_view data) { return writer->Write(data); });
@@ -176,17 +178,16 @@ std::string_view ArchiveFormatName(ArchiveFormat format) {
 
 Result<ZipListing> ListZipEntries(const std::filesystem::path& path, std::string_view masks) {
   auto reader = OpenZip(path);
-  if (!reader) {
-    // A file that opens but is no readable archive at all is simply all damage.
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) return reader.error();
-    return ZipListing{{}, reader.error().message};
-  }
+  if (!reader) return reader.error();
   ZipListing listing;
   archive_entry* entry = nullptr;
-  while (true) {
+  for (bool first = true;; first = false) {
     const int status = archive_read_next_header(reader->get(), &entry);
     if (status == ARCHIVE_EOF) break;
+    // Not even one member: the file only starts like an archive.
+    if (status < ARCHIVE_WARN && first)
+      return Error{"Cannot read the " + std::string(ArchiveFormatName(ArchiveFormatOf(path))) +
+                   " archive " + PathToUtf8(path) + ": " + ErrorText(reader->get())};
     if (status < ARCHIVE_WARN) {
       listing.damage = ErrorText(reader->get());
       break;
