@@ -18,6 +18,7 @@
 #include "ui/qt_host.h"
 #include "ui/qt_launcher.h"
 #include "ui/qt_text.h"
+#include "ui/screen_place.h"
 #include "ui/trash_file_operations.h"
 
 namespace romsteward::ui {
@@ -26,7 +27,8 @@ namespace {
 
 void PlaceWindow(QWidget& window, const AppSettings& settings) {
   if (const std::optional<WindowPosition> position = LoadWindowPosition(settings)) {
-    window.move(position->x, position->y);
+    // A place saved on a larger or another screen must not leave the window out of reach.
+    PlaceOnScreen(window, {position->x, position->y});
     return;
   }
   if (const QScreen* screen = QGuiApplication::primaryScreen()) {
@@ -38,11 +40,16 @@ void PlaceWindow(QWidget& window, const AppSettings& settings) {
 
 }  // namespace
 
+void NameApplication() {
+  QApplication::setApplicationName("romsteward");
+  QApplication::setApplicationVersion(ROMSTEWARD_VERSION);
+  // No display name: Qt would append it to every caption, and the captions are the program's
+  // own texts ("Genesis Romsteward - Sonic", "CRC error!").
+}
+
 int RunDesktop(int argc, char** argv) {
   QApplication app(argc, argv);
-  QApplication::setApplicationName("romsteward");
-  QApplication::setApplicationDisplayName(ToQt(kAppTitle));
-  QApplication::setApplicationVersion(ROMSTEWARD_VERSION);
+  NameApplication();
 
   QCommandLineParser parser;
   parser.setApplicationDescription(ToQt(kAppTitle));

@@ -7,4 +7,8 @@ namespace romsteward::ui {
 /// closes. Returns the exit status.
 int RunDesktop(int argc, char** argv);
 
+/// The application's name and version, as the settings, the command line and the window
+/// system see them; the captions stay exactly the program's.
+void NameApplication();
+
 }  // namespace romsteward::ui

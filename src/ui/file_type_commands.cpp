@@ -47,7 +47,7 @@ void RegisterFileTypesForThisProgram(QWidget* window, std::span<const FileTypeEn
 }
 
 void AddFileTypeMenu(QMenu* options, QWidget* window) {
-  QMenu* menu = options->addMenu("Register file types");
+  QMenu* menu = options->addMenu("Register file t&ypes");
   menu->menuAction()->setObjectName("mnu_regtypes");
   for (const FileTypeEntry& type : FileTypes()) {
     QAction* item = menu->addAction(ToQt(type.caption));
@@ -59,8 +59,10 @@ void AddFileTypeMenu(QMenu* options, QWidget* window) {
   menu->addSeparator();
   QObject::connect(menu->addAction("All &four types"), &QAction::triggered, window,
                    [window] { RegisterFileTypesForThisProgram(window, FileTypes()); });
-  QObject::connect(options->addAction("Remove file-type registration"), &QAction::triggered,
-                   window, [window] { RemoveFileTypeRegistration(window); });
+  QAction* remove = options->addAction("R&emove file-type registration");
+  remove->setObjectName("mnu_unregtypes");
+  QObject::connect(remove, &QAction::triggered, window,
+                   [window] { RemoveFileTypeRegistration(window); });
 }
 
 void RemoveFileTypeRegistration(QWidget* window) {

@@ -6,6 +6,7 @@
 #include <QStringListModel>
 #include <QVBoxLayout>
 
+#include "ui/caption_width.h"
 #include "ui/qt_text.h"
 
 namespace romsteward::ui {
@@ -33,6 +34,7 @@ ListDialog::ListDialog(const QString& title, const std::vector<std::string>& ite
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(m_view);
   layout->addWidget(buttons);
+  WidenToCaption(*this);
 }
 
 void ListDialog::ChooseCurrent() {

@@ -151,6 +151,8 @@ QWidget* MainWindow::BuildPanel() {
   m_chkIPS->setObjectName("chkIPS");
   m_txtCmd = new QLineEdit(panel);
   m_txtCmd->setObjectName("txtCmd");
+  // The only sign that ENTER here runs the text.
+  m_txtCmd->setToolTip("Type extra command-line parameters here");
   connect(m_cmbCartLang, &QComboBox::currentIndexChanged, this,
           [this](int index) { m_model.ChooseCountry(index); });
   connect(m_cmdForce, &QPushButton::clicked, this,

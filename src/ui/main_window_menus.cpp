@@ -2,12 +2,10 @@
 // its caption, enabled, checked and visible state are the model's, and runs one command.
 #include <QAction>
 #include <QActionGroup>
-#include <QDesktopServices>
-#include <QFileInfo>
+#include <QCoreApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSystemTrayIcon>
-#include <QUrl>
 
 #include "core/host/app_title.h"
 #include "core/host/host.h"
@@ -15,8 +13,9 @@
 #include "ui/header/header_commands.h"
 #include "ui/main_window.h"
 #include "ui/main_window_toolbar.h"
-#include "ui/preview/preview_menu.h"
+#include "ui/manual_window.h"
 #include "ui/patch/patch_window.h"
+#include "ui/preview/preview_menu.h"
 #include "ui/qt_text.h"
 #include "ui/report/report_editor.h"
 #include "ui/tools/header_tools_menu.h"
@@ -65,7 +64,7 @@ void MainWindow::BuildMenus() {
 }
 
 QMenu* MainWindow::BuildDirectoryMenu() {
-  auto* menu = new QMenu("Directory", this);
+  auto* menu = new QMenu("&Directory", this);
   BindAction(menu->menuAction(), "mnu_dir");
   AddCommand(menu, "Open ROM Directory...", "mnu_opendir", &MainWindowModel::OpenRomDirectory);
   AddCommand(menu, "Open &ZIP Directory...", "mnu_openzip", &MainWindowModel::OpenZipDirectory);
@@ -124,6 +123,7 @@ QMenu* MainWindow::BuildToolsMenu() {
 
 QMenu* MainWindow::BuildOptionsMenu() {
   auto* menu = new QMenu("&Options", this);
+  menu->setObjectName("mnu_options");
   AddCommand(menu, "Save Settings for &This Cartridge", "mnu_savthiscart",
              &MainWindowModel::SaveThisCartridge);
   AddCommand(menu, "&Delete Settings of This Cartridge", "mnu_del",
@@ -143,10 +143,14 @@ QMenu* MainWindow::BuildOptionsMenu() {
     AddCommand(menu, "Minimize in Tray", "mnu_tray", &MainWindowModel::ToggleMinimizeInTray)
         ->setCheckable(true);
   }
-  AddRadioMenu(menu, "Window's title", "mnuNomeCapt", "mnuTitle",
+  AddRadioMenu(menu, "&Window's title", "mnuNomeCapt", "mnuTitle",
                [this](int i) { m_model.ChooseTitle(i); });
   menu->addSeparator();
-  AddCommand(menu, "Set temporary directory...", "mnu_settemp",
+  // Where the emulators and the temporary folder are; the launcher adds its "Search ..."
+  // items at the top. The message for a missing emulator sends the user here.
+  QMenu* directories = menu->addMenu("Di&rectories");
+  directories->setObjectName("mnu_directories");
+  AddCommand(directories, "Set &temporary directory...", "mnu_settemp",
              &MainWindowModel::SetTemporaryDirectory);
   menu->addSeparator();
   AddFileTypeMenu(menu, this);
@@ -155,17 +159,25 @@ QMenu* MainWindow::BuildOptionsMenu() {
 
 QMenu* MainWindow::BuildHelpMenu() {
   auto* menu = new QMenu("&Help", this);
-  connect(menu->addAction("&Manual"), &QAction::triggered, this, &MainWindow::OpenManual);
+  menu->setObjectName("mnu_help");
+  QAction* manual = menu->addAction("&Manual");
+  manual->setObjectName("mnu_manual");
+  connect(manual, &QAction::triggered, this, &MainWindow::OpenManual);
   connect(menu->addAction("&About Genesis Romsteward..."), &QAction::triggered, this,
           &MainWindow::ShowAbout);
   return menu;
 }
 
 void MainWindow::OpenManual() {
-  const QString manual = ROMSTEWARD_MANUAL;
-  if (!QFileInfo(manual).isFile() || !QDesktopServices::openUrl(QUrl::fromLocalFile(manual)))
-    m_host.ShowMessage("The manual could not be opened: " + FromQt(manual),
+  const QString directory = QCoreApplication::applicationDirPath();
+  auto* window = findChild<ManualWindow*>();
+  if (!window) window = new ManualWindow(this);
+  const QString manual = FindManual(directory);
+  if (manual.isEmpty() || !window->Open(manual)) {
+    m_host.ShowMessage("The manual could not be found. It belongs in " +
+                           FromQt(ManualPlaces(directory).join(" or ")) + ".",
                        MessageIcon::Exclamation, kAppTitle);
+  }
 }
 
 void MainWindow::ShowAbout() {

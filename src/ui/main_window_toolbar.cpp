@@ -2,6 +2,8 @@
 
 #include <QAction>
 #include <QIcon>
+#include <QPainter>
+#include <QPixmap>
 #include <QStyle>
 #include <QToolBar>
 
@@ -32,6 +34,28 @@ constexpr ToolbarButton kButtons[] = {
      QStyle::SP_FileDialogContentsView},
 };
 
+// Qt's own trash can is grey all over and reads as switched off: a red cross on it says
+// "delete" and leaves the greyed look to the disabled state.
+QIcon DeleteIcon(const QStyle& style) {
+  const QIcon trash = style.standardIcon(QStyle::SP_TrashIcon);
+  QIcon icon;
+  for (const int side : {16, 22, 24, 32, 48}) {
+    QPixmap pixmap = trash.pixmap(side);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF cross(side * 0.5, side * 0.5, side * 0.4, side * 0.4);
+    for (const auto& [colour, width] :
+         {std::pair{QColor(Qt::white), side / 5.0}, std::pair{QColor(204, 0, 0), side / 9.0}}) {
+      painter.setPen(QPen(colour, width, Qt::SolidLine, Qt::RoundCap));
+      painter.drawLine(cross.topLeft(), cross.bottomRight());
+      painter.drawLine(cross.topRight(), cross.bottomLeft());
+    }
+    painter.end();
+    icon.addPixmap(pixmap);
+  }
+  return icon;
+}
+
 }  // namespace
 
 QToolBar* AddMainToolbar(MainWindow& window) {
@@ -39,9 +63,10 @@ QToolBar* AddMainToolbar(MainWindow& window) {
   bar->setObjectName("toolbar");
   bar->setToolButtonStyle(Qt::ToolButtonIconOnly);
   for (const ToolbarButton& button : kButtons) {
-    QAction* action = bar->addAction(
-        QIcon::fromTheme(button.themeIcon, window.style()->standardIcon(button.fallback)),
-        button.toolTip);
+    const QIcon fallback = button.fallback == QStyle::SP_TrashIcon
+                               ? DeleteIcon(*window.style())
+                               : window.style()->standardIcon(button.fallback);
+    QAction* action = bar->addAction(QIcon::fromTheme(button.themeIcon, fallback), button.toolTip);
     action->setObjectName(button.name);
     action->setToolTip(button.toolTip);
     window.BindAction(action, button.name);

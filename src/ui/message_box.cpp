@@ -31,7 +31,9 @@ QMessageBox::StandardButton ShowMessageBox(QWidget* parent, MessageIcon icon,
                                            QMessageBox::StandardButton escape) {
   QMessageBox box(QtIcon(icon), ToQt(title.empty() ? kAppTitle : title), ToQt(text), buttons,
                   parent);
+  // Enter gives what Escape gives: a slip of the key never replaces or deletes anything.
   box.setEscapeButton(escape);
+  box.setDefaultButton(escape);
   // Texts come from file names and headers: never let them be read as markup.
   box.setTextFormat(Qt::PlainText);
   const int pressed = box.exec();

@@ -1,14 +1,16 @@
 #include "ui/qt_host.h"
 
-#include <algorithm>
-
 #include <QApplication>
 #include <QFileDialog>
 #include <QGuiApplication>
 #include <QInputDialog>
+#include <QLineEdit>
 #include <QProgressDialog>
+#include <QScreen>
+#include <algorithm>
 
 #include "core/tools/split_size_chooser.h"
+#include "ui/caption_width.h"
 #include "ui/list_dialog.h"
 #include "ui/message_box.h"
 #include "ui/qt_text.h"
@@ -20,6 +22,9 @@ namespace romsteward::ui {
 namespace {
 
 constexpr std::string_view kProgressTitle = "Progress";
+// A line edit's frame and margins around its text, and room to type a name into.
+constexpr int kFieldPadding = 16;
+constexpr int kFieldWidth = 320;
 
 QString StartPath(const FileDialog& dialog) {
   if (dialog.initialName.empty()) return ToQt(dialog.initialDir);
@@ -39,6 +44,8 @@ QString QtFilter(const std::vector<FileFilter>& filters) {
   for (const FileFilter& filter : filters) {
     QString patterns = ToQt(filter.patterns);
     patterns.replace(';', ' ');
+    // A description without a pattern lists every file; Qt would show "()" and list none.
+    if (patterns.trimmed().isEmpty()) patterns = "*";
     parts << ToQt(filter.description) + " (" + patterns + ")";
   }
   return parts.join(";;");
@@ -82,6 +89,14 @@ std::optional<std::string> QtHost::AskText(std::string_view prompt, std::string_
   dialog.setTextEchoMode(masked ? QLineEdit::Password : QLineEdit::Normal);
   // Each hidden character shows as "*", as password fields have always done here.
   if (masked) dialog.setStyleSheet("QLineEdit { lineedit-password-character: 42; }");
+  if (auto* field = dialog.findChild<QLineEdit*>()) {
+    // Wide enough for the caption and the whole text (a long file name), within the screen.
+    const int text = masked ? 0 : field->fontMetrics().horizontalAdvance(ToQt(initial));
+    const QScreen* screen = m_parent ? m_parent->screen() : QGuiApplication::primaryScreen();
+    const int limit = screen ? screen->availableGeometry().width() * 2 / 3 : 800;
+    field->setMinimumWidth(
+        std::min(std::max({text + kFieldPadding, CaptionWidth(ToQt(title)), kFieldWidth}), limit));
+  }
   if (dialog.exec() != QDialog::Accepted) return std::nullopt;
   return FromQt(dialog.textValue());
 }

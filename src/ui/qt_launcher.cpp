@@ -45,6 +45,21 @@ void Configure(QProcess& process, const ProcessSpec& spec) {
   }
 }
 
+// "Search GenEm..." with its access key: a letter of the name that no other item of the
+// submenu uses.
+QString SearchCaption(const EmulatorProfile& profile) {
+  static constexpr std::pair<std::string_view, char> kKeys[] = {
+      {"GenEm", 'G'}, {"GenEmnew", 'n'}, {"Genecyst", 'c'},
+      {"KGen", 'K'},  {"BlastEm", 'B'},  {"Mednafen", 'M'}};
+  QString caption = ToQt(profile.locateCaption);
+  for (const auto& [name, key] : kKeys) {
+    if (name != profile.name) continue;
+    const qsizetype at = caption.indexOf(QChar(key), caption.indexOf(' ') + 1);
+    if (at > 0) caption.insert(at, '&');
+  }
+  return caption;
+}
+
 }  // namespace
 
 /// One running launch: the command and its process. It deletes itself once it has
@@ -168,24 +183,20 @@ void QtLauncher::Connect() {
 }
 
 void QtLauncher::AddSearchItems() {
-  QMenu* options = nullptr;
-  for (QAction* action : m_window.menuBar()->actions())
-    if (action->menu() && action->text() == QStringLiteral("&Options")) options = action->menu();
-  if (!options) return;
-  // Between the settings commands and the temporary directory.
-  QAction* before = nullptr;
-  for (QAction* action : options->actions())
-    if (action->text() == QStringLiteral("Set temporary directory...")) before = action;
+  auto* directories = m_window.findChild<QMenu*>("mnu_directories");
+  if (!directories) return;
+  // Above the temporary directory.
+  QAction* before = directories->actions().value(0);
   for (const EmulatorProfile& profile : EmulatorProfiles()) {
-    auto* search = new QAction(ToQt(profile.locateCaption), options);
+    auto* search = new QAction(SearchCaption(profile), directories);
     search->setObjectName(ToQt(profile.locateItem));
-    options->insertAction(before, search);
+    directories->insertAction(before, search);
     connect(search, &QAction::triggered, this, [this, &profile] {
       LocateEmulator(m_host, m_settings, profile);
       m_window.Render();
     });
   }
-  options->insertSeparator(before);
+  directories->insertSeparator(before);
 }
 
 void QtLauncher::Launch(LaunchRequest request, std::function<void()> done) {

@@ -6,6 +6,7 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "ui/caption_width.h"
 #include "ui/qt_text.h"
 
 namespace romsteward::ui {
@@ -18,7 +19,8 @@ QuestionDialog::QuestionDialog(const QuestionBox& box, QWidget* parent) : QDialo
   text->setWordWrap(true);
   text->setMinimumWidth(320);
   auto* icon = new QLabel(this);
-  icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(32, 32));
+  icon->setObjectName("Picture1");
+  icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxQuestion).pixmap(32, 32));
   icon->setAlignment(Qt::AlignTop);
 
   auto* message = new QHBoxLayout;
@@ -35,6 +37,7 @@ QuestionDialog::QuestionDialog(const QuestionBox& box, QWidget* parent) : QDialo
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(message);
   layout->addLayout(buttons);
+  WidenToCaption(*this);
 }
 
 QPushButton* QuestionDialog::AddButton(const QuestionButton& button, int escolha) {

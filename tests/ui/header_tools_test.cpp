@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QFontMetrics>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMessageBox>
@@ -90,6 +91,9 @@ private slots:
     QCOMPARE(dialog.findChildren<QRadioButton*>().size(), 13);
     QCOMPARE(dialog.findChild<QRadioButton*>("tam(11)")->text(), "12 MegaBit");
     dialog.show();
+    // The whole caption fits beside a title bar's buttons ("Select split s..." did not).
+    const QFontMetrics titleFont(QApplication::font("QMdiSubWindowTitleBar"));
+    QVERIFY(dialog.width() > titleFont.horizontalAdvance(dialog.windowTitle()) + kTitleBarRoom);
     auto* text = dialog.findChild<QLineEdit*>("Text1");
 
     // Only digits pass; typing selects "Custom:"; a pasted non-digit is refused whole.

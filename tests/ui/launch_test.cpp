@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
@@ -233,7 +234,8 @@ private slots:
   }
 
   // The whole window as the program assembles it offers every command, each reachable from
-  // the menu bar (the Search items among the Options menu's settings commands).
+  // the menu bar (the Search items in Options > Directories, where the message about a
+  // missing emulator sends the user), and every menu answers Alt and a key of its own.
   void EveryMenuItemIsInTheWindow() {
     Fixture f;
     new WindowLayout(*f.window, f.host, f.sandbox.Settings());
@@ -264,7 +266,42 @@ private slots:
           "mnufavorite", "mnu_addfav", "mnu_orgfav"}) {
       QVERIFY2(reachable.contains(name), name);
     }
-    QVERIFY(options.indexOf("Search GenEm...") < options.indexOf("Set temporary directory..."));
+    // The submenu holds the Search items, then the temporary directory.
+    auto* directories = f.window->findChild<QMenu*>("mnu_directories");
+    QVERIFY(directories);
+    QVERIFY(options.contains(directories->menuAction()->text()));
+    QCOMPARE(directories->title().remove('&'), "Directories");
+    QStringList inside;
+    for (QAction* action : directories->actions())
+      if (!action->isSeparator()) inside << action->text().remove('&');
+    QCOMPARE(inside, QStringList({"Search GenEm...", "Search GenEmnew...", "Search Genecyst...",
+                                  "Search KGen...", "Search BlastEm...", "Search Mednafen...",
+                                  "Set temporary directory..."}));
+
+    // Access keys: one in each menu and item named here, never two alike in one menu. The
+    // history and the favorites are names the user chose.
+    std::function<void(const QList<QAction*>&)> checkKeys = [&](const QList<QAction*>& items) {
+      QStringList keys;
+      for (QAction* action : items) {
+        if (action->isSeparator() || !action->isVisible() ||
+            action->objectName().startsWith("mnu_dirs(") || action->text().isEmpty())
+          continue;
+        const QString key = QKeySequence::mnemonic(action->text()).toString();
+        QVERIFY2(key.isEmpty() || !keys.contains(key), qPrintable(action->text()));
+        keys << key;
+        if (action->menu()) {
+          QVERIFY2(!key.isEmpty(), qPrintable(action->text()));
+          if (action->menu() != f.favorites) checkKeys(action->menu()->actions());
+        }
+      }
+    };
+    checkKeys(f.window->menuBar()->actions());
+    for (const char* name :
+         {"mnu_regtypes", "mnu_unregtypes", "mnu_locateGen", "mnu_locatenew", "mnu_locateGenecyst",
+          "mnu_locateKGen", "mnu_locateBlastEm", "mnu_locateMednafen", "mnu_settemp"}) {
+      auto* action = f.window->findChild<QAction*>(name);
+      QVERIFY2(action && !QKeySequence::mnemonic(action->text()).isEmpty(), name);
+    }
   }
 };
 

@@ -4,25 +4,48 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QSlider>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QUrl>
 #include <fstream>
 #include <set>
 
 #include "core/host/app_title.h"
 #include "core/launch/option_controls.h"
+#include "ui/desktop_app.h"
 #include "ui/emulator_tabs.h"
+#include "ui/manual_window.h"
 #include "ui/qt_text.h"
 #include "ui/rom_list_view.h"
+#include "ui/screen_place.h"
 #include "ui/trash_file_operations.h"
 #include "ui_test_support.h"
 
 namespace romsteward::ui::test {
+
+namespace {
+
+void WriteFile(const QString& path, const QByteArray& text) {
+  QFile file(path);
+  QVERIFY(file.open(QIODevice::WriteOnly));
+  file.write(text);
+}
+
+}  // namespace
 
 class MainWindowTest : public QObject {
   Q_OBJECT
@@ -235,6 +258,67 @@ private slots:
     QVERIFY(f.window.width() - edge("Picture1").x() < 20);
     QVERIFY(f.window.width() - edge("Picture2").x() < 20);
     QVERIFY(f.window.Tabs()->height() > tabsBefore + 400);
+  }
+
+  // Help > Manual needs no viewer: the pages show in a window of the program, found beside
+  // the program (or where an installed one keeps them); without them the user is told where
+  // they belong instead of nothing happening.
+  void TheManualIsFoundBesideTheProgramOrMissedAloud() {
+    Fixture f;
+    QCOMPARE(f.window.findChild<QLineEdit*>("txtCmd")->toolTip(),
+             "Type extra command-line parameters here");
+
+    QTemporaryDir root;
+    const QString program = root.filePath("prefix/bin");
+    QVERIFY(QDir().mkpath(program));
+    QCOMPARE(FindManual(program), QString());
+    QVERIFY(QDir().mkpath(root.filePath("prefix/share/doc/romsteward")));
+    WriteFile(root.filePath("prefix/share/doc/romsteward/desktop.md"),
+              "# The desktop program\n\nSee [the layout](layout.md).\n");
+    WriteFile(root.filePath("prefix/share/doc/romsteward/layout.md"), "# Interface layout\n");
+    const QString installed = FindManual(program);
+    QCOMPARE(
+        QFileInfo(installed).canonicalFilePath(),
+        QFileInfo(root.filePath("prefix/share/doc/romsteward/desktop.md")).canonicalFilePath());
+    QVERIFY(QDir().mkpath(program + "/doc"));
+    WriteFile(program + "/doc/desktop.md", "# Built\n");
+    QCOMPARE(FindManual(program), QDir::cleanPath(program + "/doc/desktop.md"));
+
+    ManualWindow manual(&f.window);
+    QVERIFY(!manual.Open(root.filePath("nowhere.md")));
+    QVERIFY(manual.Open(installed));
+    QVERIFY(manual.isVisible());
+    QCOMPARE(manual.document()->firstBlock().text(), "The desktop program");
+    manual.setSource(QUrl("layout.md"));
+    QCOMPARE(manual.document()->firstBlock().text(), "Interface layout");
+
+    // The test program has no manual beside it.
+    f.window.findChild<QAction*>("mnu_manual")->trigger();
+    QCOMPARE(f.host.shown.size(), std::size_t{1});
+    QVERIFY(f.host.shown.back().starts_with("The manual could not be found. It belongs in " +
+                                            FromQt(QCoreApplication::applicationDirPath())));
+  }
+
+  // Qt appends a display name to every caption; the captions are the program's texts alone.
+  void CaptionsAreTheProgramsOwn() {
+    NameApplication();
+    QCOMPARE(QGuiApplication::applicationDisplayName(), QCoreApplication::applicationName());
+  }
+
+  // A place saved on another or a larger screen, or a window larger than the screen, must
+  // not leave any part of the window out of reach.
+  void WindowsStayOnTheirScreen() {
+    const QRect area(100, 0, 1280, 1024);  // a second screen right of a first one
+    QCOMPARE(FitInside({1061, 10, 320, 240}, area), QRect(1060, 10, 320, 240));
+    QCOMPARE(FitInside({-50, -20, 320, 240}, area), QRect(100, 0, 320, 240));
+    QCOMPARE(FitInside({200, 900, 320, 240}, area), QRect(200, 784, 320, 240));
+    QCOMPARE(FitInside({500, 300, 2000, 240}, area), QRect(100, 300, 1280, 240));
+    QCOMPARE(FitInside({150, 100, 320, 240}, area), QRect(150, 100, 320, 240));
+
+    Fixture f;
+    const QRect screen = f.window.screen()->availableGeometry();
+    PlaceOnScreen(f.window, screen.bottomRight() - QPoint(100, 100));
+    QVERIFY(screen.contains(f.window.frameGeometry()));
   }
 
   void ClosingSavesThePosition() {

@@ -2,7 +2,9 @@
 // menu items of its commands.
 #include <QAction>
 #include <QFile>
+#include <QIcon>
 #include <QImage>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -14,6 +16,19 @@
 #include "ui_test_support.h"
 
 namespace romsteward::ui::test {
+
+namespace {
+
+bool Colourful(const QImage& image) {
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x)
+      if (const QColor pixel = image.pixelColor(x, y);
+          pixel.alpha() > 128 && pixel.hsvSaturation() > 120)
+        return true;
+  return false;
+}
+
+}  // namespace
 
 class PreviewTest : public QObject {
   Q_OBJECT
@@ -96,6 +111,31 @@ private slots:
     QCOMPARE(f.Setting("showprev"), std::string("True"));
   }
 
+  // Beside the main window where there is room (its left when its right is the screen's
+  // edge), and a stored place partly off the screen is pulled back onto it.
+  void ThePreviewOpensWholeOnTheScreen() {
+    {
+      Fixture f;
+      const QRect screen = f.window.screen()->availableGeometry();
+      f.window.resize(400, 300);
+      f.window.move(screen.right() - 420, screen.top() + 10);
+      QVERIFY(f.Select("Star Courier (W).bin"));
+      f.Trigger("mnu_preview");
+      QVERIFY(f.preview->isVisible());
+      QVERIFY(screen.contains(f.preview->frameGeometry()));
+      QVERIFY(!f.preview->frameGeometry().intersects(f.window.frameGeometry()));
+    }
+    Fixture f;
+    const QRect screen = f.window.screen()->availableGeometry();
+    (void)f.sandbox.Settings().SaveSetting(kSectionSettings, "prevX",
+                                           std::to_string(screen.right() - 50));
+    (void)f.sandbox.Settings().SaveSetting(kSectionSettings, "prevY", "20");
+    QVERIFY(f.Select("Star Courier (W).bin"));
+    f.Trigger("mnu_preview");
+    QVERIFY(screen.contains(f.preview->frameGeometry()));
+    QCOMPARE(f.preview->y(), 20);
+  }
+
   void ToolbarButtonsTriggerTheirMenuItems() {
     Fixture f;
     QVERIFY(f.Select("Star Courier (W).bin"));
@@ -111,6 +151,12 @@ private slots:
     f.window.Model().EnableFileMenus(false);
     f.window.Render();
     QVERIFY(!f.window.findChild<QAction*>("btnDeleta")->isEnabled());
+
+    // An enabled button must not look switched off: the delete icon has colour, its
+    // disabled form has none.
+    const QIcon trash = f.window.findChild<QAction*>("btnDeleta")->icon();
+    QVERIFY(Colourful(trash.pixmap(32).toImage()));
+    QVERIFY(!Colourful(trash.pixmap(32, QIcon::Disabled).toImage()));
   }
 };
 

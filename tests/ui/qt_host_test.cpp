@@ -2,15 +2,19 @@
 #include "ui/qt_host.h"
 
 #include <QApplication>
+#include <QFontMetrics>
 #include <QInputDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QStyle>
 #include <QTest>
 
 #include "ui/list_dialog.h"
+#include "ui/qt_text.h"
 #include "ui/question_dialog.h"
 #include "ui_test_support.h"
 
@@ -39,6 +43,18 @@ private slots:
     QCOMPARE(host.AskYesNoCancel("Go on?", MessageIcon::Question, "Warning!"), Answer::Cancel);
   }
 
+  // "... exists! Do you want to replace it?": Enter gives what Escape gives, never Yes.
+  void EnterTakesTheAnswerThatChangesNothing() {
+    QtHost host;
+    const auto pressEnter = [](QWidget* modal) { QTest::keyClick(modal, Qt::Key_Return); };
+    WhenModal(pressEnter);
+    QCOMPARE(host.AskYesNo("Replace it?", MessageIcon::Question, {}), Answer::No);
+    WhenModal(pressEnter);
+    QCOMPARE(host.AskYesNoCancel("Save first?", MessageIcon::Question, {}), Answer::Cancel);
+    WhenModal(pressEnter);
+    host.ShowMessage("Done", MessageIcon::Information, {});  // returns: Ok is still Enter's
+  }
+
   void TheQuestionBoxGivesEscolhaOrZeroWhenClosed() {
     QuestionBox box;
     box.title = "Warning!";
@@ -47,9 +63,11 @@ private slots:
     box.no = {"&No", {}, true};
     box.cancel = {"&Shut Up!", "Never again", false};
     QtHost host;
-    WhenModal([](QWidget* modal) {
+    QImage icon;
+    WhenModal([&icon](QWidget* modal) {
       auto* dialog = qobject_cast<QuestionDialog*>(modal);
       QVERIFY(dialog);
+      icon = dialog->findChild<QLabel*>("Picture1")->pixmap().toImage();
       QCOMPARE(dialog->windowTitle(), QString("Warning!"));
       QVERIFY(dialog->Button(kEscolhaNo)->isHidden());
       QCOMPARE(dialog->Button(kEscolhaCancel)->text(), QString("&Shut Up!"));
@@ -57,6 +75,9 @@ private slots:
       dialog->Button(kEscolhaCancel)->click();
     });
     QCOMPARE(host.ShowQuestionBox(box), kEscolhaCancel);
+    QCOMPARE(
+        icon,
+        QApplication::style()->standardIcon(QStyle::SP_MessageBoxQuestion).pixmap(32).toImage());
 
     WhenModal([](QWidget* modal) { modal->close(); });
     QCOMPARE(host.ShowQuestionBox(box), kEscolhaClosed);
@@ -79,6 +100,39 @@ private slots:
       qobject_cast<QDialog*>(modal)->reject();
     });
     QCOMPARE(host.AskText("Type the new file name", "Rename", "a.bin", false), std::nullopt);
+  }
+
+  // A window manager cuts a caption wider than its window, and a field narrower than its
+  // text hides the end of a long file name.
+  void SmallDialogsFitTheirCaptionsAndTexts() {
+    QtHost host;
+    const QString name = "Adventures of the Long-Named Cartridge (USA, Europe) (Rev 1) [!].bin";
+    const QString title = "Choose the new name of the selected cartridge image";
+    const QFontMetrics titleFont(QApplication::font("QMdiSubWindowTitleBar"));
+    int fieldWidth = 0;
+    int nameWidth = 0;
+    int dialogWidth = 0;
+    WhenModal([&](QWidget* modal) {
+      if (auto* field = modal->findChild<QLineEdit*>()) {
+        fieldWidth = field->width();
+        nameWidth = field->fontMetrics().horizontalAdvance(name);
+      }
+      dialogWidth = modal->width();
+      qobject_cast<QDialog*>(modal)->reject();
+    });
+    (void)host.AskText("Type the new file name", FromQt(title), FromQt(name), false);
+    QVERIFY(fieldWidth > nameWidth);
+    QVERIFY(dialogWidth > titleFont.horizontalAdvance(title) + kTitleBarRoom);
+
+    QuestionBox box;
+    box.title = FromQt(title);
+    box.text = "Short.";
+    QuestionDialog question(box);
+    question.show();
+    QVERIFY(question.width() > titleFont.horizontalAdvance(title) + kTitleBarRoom);
+    ListDialog list(title, {"one"});
+    list.show();
+    QVERIFY(list.width() > titleFont.horizontalAdvance(title) + kTitleBarRoom);
   }
 
   void TheListDialogAnswersTheChosenEntryOrDone() {
@@ -120,6 +174,8 @@ private slots:
   void FiltersKeepTheirDescriptionsAndPatterns() {
     QCOMPARE(QtFilter({{"Executables", "genem.exe"}, {"Images", "*.smd;*.bin"}}),
              QString("Executables (genem.exe);;Images (*.smd *.bin)"));
+    // A description alone lists every file (Join Files' destination), not "()" and none.
+    QCOMPARE(QtFilter({{"All files", ""}}), QString("All files (*)"));
   }
 };
 

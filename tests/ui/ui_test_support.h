@@ -50,6 +50,10 @@ public:
   bool IsShiftHeld() override { return shift; }
 };
 
+/// What a title bar needs beside a caption's text: its buttons' room on both sides, since
+/// window managers centre the caption.
+inline constexpr int kTitleBarRoom = 200;
+
 /// A settings store and a demo collection in a temporary folder.
 class Sandbox {
 public:

@@ -49,7 +49,7 @@ void WindowLayout::AddMenu() {
   if (options == menus.end()) return;
   const QList<QAction*> items = (*options)->actions();
   const auto before = std::find_if(items.begin(), items.end(), [](const QAction* item) {
-    return item->text() == QStringLiteral("Register file types");
+    return item->objectName() == QStringLiteral("mnu_regtypes");
   });
   QAction* const place = before == items.end() ? nullptr : *before;
   (*options)->insertMenu(place, menu);

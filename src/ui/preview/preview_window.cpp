@@ -13,6 +13,7 @@
 #include "core/host/host.h"
 #include "ui/main_window.h"
 #include "ui/qt_text.h"
+#include "ui/screen_place.h"
 
 namespace romsteward::ui {
 
@@ -20,6 +21,7 @@ namespace {
 
 constexpr int kFirstSide = 320;
 constexpr int kSaveDelayMs = 500;
+constexpr int kGap = 8;
 
 }  // namespace
 
@@ -83,12 +85,22 @@ void PreviewWindow::PlaceFirstTime() {
     const QPoint position(stored->x, stored->y);
     // A place on a screen that is gone would leave the window out of reach.
     if (QGuiApplication::screenAt(position)) {
-      move(position);
+      PlaceOnScreen(*this, position);
       m_savedPosition = position;
       return;
     }
   }
-  move(m_window.frameGeometry().topRight() + QPoint(8, 0));
+  // Beside the main window on its right, else on its left, else as near as the screen allows.
+  const QRect main = m_window.frameGeometry();
+  const QScreen* screen = ScreenFor(m_window, main.center());
+  const int width = size().grownBy(FrameMargins(*this)).width();
+  QPoint beside = main.topRight() + QPoint(kGap + 1, 0);
+  if (screen) {
+    const QRect area = screen->availableGeometry();
+    if (beside.x() + width > area.right() + 1 && main.left() - kGap - width >= area.left())
+      beside.setX(main.left() - kGap - width);
+  }
+  PlaceOnScreen(*this, beside, screen);
 }
 
 void PreviewWindow::Present() {

@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 
 #include "core/tools/split_size_chooser.h"
+#include "ui/caption_width.h"
 #include "ui/message_box.h"
 #include "ui/qt_text.h"
 
@@ -84,6 +85,7 @@ SplitSizeDialog::SplitSizeDialog(SplitSizeChooser& chooser, QWidget* parent)
   layout->addLayout(customRow);
   layout->addWidget(buttons);
   layout->setSizeConstraint(QLayout::SetFixedSize);
+  WidenToCaption(*this);
 
   connect(m_tam, &QButtonGroup::idClicked, this, [this](int option) {
     m_chooser.SelectOption(option);
