@@ -37,6 +37,14 @@ public:
   /// Several values of one key in one transaction: all are written or none.
   Status SetValues(std::string_view keyPath,
                    const std::vector<std::pair<std::string, std::string>>& values);
+  /// One value of some key, for SetValuesOfKeys.
+  struct ValueWrite {
+    std::string keyPath;
+    std::string name;
+    std::string data;
+  };
+  /// Values of several keys in one transaction: all are written or none.
+  Status SetValuesOfKeys(const std::vector<ValueWrite>& writes);
   Result<std::string> GetValue(std::string_view keyPath, std::string_view name) const;
   bool HasValue(std::string_view keyPath, std::string_view name) const;
   Status DeleteValue(std::string_view keyPath, std::string_view name);
