@@ -25,7 +25,7 @@ std::size_t StoreIpsAsDynamicPatches(Host& host, RegistryStore& store,
     PatchValue patch{record.offset + 1ULL, std::string(record.data),
                      file->ReadAt(record.offset, record.data.size())};
     const std::string name = std::string(baseName) + std::to_string(count);
-    if (!StorePatch(store, listText, name, patch)) {
+    if (!StorePatch(store, listText, name, patch, image)) {
       host.ShowMessage(kRegistryError, MessageIcon::Critical, kDefaultTitle);
     }
     ++count;  // a failed write still uses up its number, so later names keep their record
