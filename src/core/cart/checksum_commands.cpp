@@ -56,9 +56,22 @@ Status WriteChecksum(const std::filesystem::path& image, std::uint16_t value) {
   return WriteChecksumBytes(image, NumberToBytes(value, 2));
 }
 
+Status ChecksumBackupSlotFree(const AppSettings& settings, std::string_view entry,
+                              const std::filesystem::path& image) {
+  if (!HasChecksumBackup(settings, entry)) return {};
+  const auto source = settings.Store().GetValue(SectionKeyPath(kSectionCrcSource), entry);
+  if (!source) return {};  // kept by an older version: its file is unknown
+  const std::string taken = source->substr(0, source->rfind('\n'));
+  if (IsSameFile(taken, image)) return {};
+  return Error{"A checksum of another file named " + EscapeForDisplay(entry) + " (" +
+               EscapeForDisplay(taken) + ") is kept already; restore or forget it first. " +
+               EscapeForDisplay(PathToUtf8(image)) + " was not changed."};
+}
+
 Status KeepChecksumBackup(AppSettings& settings, std::string_view entry,
                           const std::filesystem::path& image, std::uint16_t oldValue,
                           std::uint16_t newValue) {
+  if (Status free = ChecksumBackupSlotFree(settings, entry, image); !free) return free;
   return settings.Store().SetValuesOfKeys(
       {{SectionKeyPath(kSectionCrcs), std::string(entry), NumberToBytes(oldValue, 2)},
        {SectionKeyPath(kSectionCrcSource), std::string(entry),
@@ -135,9 +148,12 @@ void CheckCrc(Host& host, AppSettings& settings, const std::filesystem::path& im
     return ShowError(host,
                      Error{PathToUtf8(image) + " is read-only; its checksum was not changed."});
   }
-  if (answer == kEscolhaCancel &&
-      !KeepChecksumBackup(settings, entry, image, state->stored, state->computed))
-    host.ShowMessage(kRegistryError, MessageIcon::Critical, {});
+  if (answer == kEscolhaCancel) {
+    if (Status free = ChecksumBackupSlotFree(settings, entry, image); !free)
+      return ShowError(host, free.error());
+    if (!KeepChecksumBackup(settings, entry, image, state->stored, state->computed))
+      host.ShowMessage(kRegistryError, MessageIcon::Critical, {});
+  }
   if (Status written = WriteChecksum(image, state->computed); !written)
     ShowError(host, written.error());
 }

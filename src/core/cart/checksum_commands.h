@@ -37,7 +37,12 @@ Status WriteChecksum(const std::filesystem::path& image, std::uint16_t value);
 /// image file it was taken from and the checksum the fix gave it (backups kept before that
 /// existed have none).
 inline constexpr std::string_view kSectionCrcSource = "CRCSource";
-/// Keeps `oldValue` of `image` before its checksum becomes `newValue`.
+/// Refused when the entry holds the backup of another file (of the same name): keeping this
+/// one would lose it.
+Status ChecksumBackupSlotFree(const AppSettings& settings, std::string_view entry,
+                              const std::filesystem::path& image);
+/// Keeps `oldValue` of `image` before its checksum becomes `newValue`; refused as
+/// ChecksumBackupSlotFree says.
 Status KeepChecksumBackup(AppSettings& settings, std::string_view entry,
                           const std::filesystem::path& image, std::uint16_t oldValue,
                           std::uint16_t newValue);
