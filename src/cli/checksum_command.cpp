@@ -68,7 +68,8 @@ int CheckFile(const std::string& name, const ChecksumOptions& options, AppSettin
   // The backup is named as the program's list names the image: by its file name.
   const std::string entry = PathToUtf8(path.filename());
   if (settings != nullptr) {
-    if (Status kept = KeepChecksumBackup(*settings, entry, state->stored); !kept) {
+    if (Status kept = KeepChecksumBackup(*settings, entry, path, state->stored, state->computed);
+        !kept) {
       out << line << ": not fixed\n";
       return fail("Cannot keep the old checksum of " + shown + ": " + kept.error().message);
     }

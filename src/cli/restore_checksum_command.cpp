@@ -29,21 +29,13 @@ int RunRestoreChecksum(const std::string& name, ToolContext& context) {
     context.err << "No old checksum is kept for " << EscapeForDisplay(entry) << ".\n";
     return kExitFailure;
   }
-  auto backup = ReadChecksumBackup(*settings, entry);
-  if (!backup) {
-    context.err << backup.error().message << '\n';
+  // Refused, and kept, when the backup was taken from another file of the same name.
+  const auto restored = RestoreChecksumBackup(*settings, entry, path);
+  if (!restored) {
+    context.err << restored.error().message << '\n';
     return kExitError;
   }
-  // Written first and forgotten after, so a refused write keeps the value.
-  if (Status written = WriteChecksumBytes(path, *backup); !written) {
-    context.err << written.error().message << '\n';
-    return kExitError;
-  }
-  if (Status deleted = DeleteChecksumBackup(*settings, entry); !deleted) {
-    context.err << deleted.error().message << '\n';
-    return kExitError;
-  }
-  context.out << fmt::format("{}: checksum {:X} restored\n", shown, BytesToNumber(*backup));
+  context.out << fmt::format("{}: checksum {:X} restored\n", shown, *restored);
   return kExitOk;
 }
 

@@ -66,6 +66,36 @@ TEST_F(ImageCommands, ChecksumStatusFixBackupRestoreAndReadOnly) {
   EXPECT_EQ(Status({"restore-checksum", "bad.bin"}), 1);
 }
 
+// The backup is filed by the file name alone: another image of that name must neither get it,
+// use it up nor replace it, and this one not either once its checksum was changed again.
+TEST_F(ImageCommands, AKeptChecksumGoesBackOnlyIntoTheFileItCameFrom) {
+  std::filesystem::create_directory(PathOf("a"));
+  std::filesystem::create_directory(PathOf("b"));
+  std::filesystem::rename(PathOf("bad.bin"), PathOf("a/game.bin"));
+  const std::string good = test::MakeCartridge(64 * 1024, 2);
+  test::WriteTestFile(PathOf("b/game.bin"), good);
+  const std::string before = Read("a/game.bin");
+  ASSERT_EQ(Status({"checksum", "--fix", "--backup", "a/game.bin"}), 0) << err;
+  const std::string fixed = Read("a/game.bin");
+
+  EXPECT_EQ(Status({"restore-checksum", "b/game.bin"}), 2);
+  EXPECT_TRUE(Said("was taken from " + PathOf("a/game.bin").string())) << err;
+  EXPECT_EQ(Read("b/game.bin"), good);
+  // Nor is it overwritten by the backup of the other one.
+  const std::string wrong = std::string(good).replace(0x18E, 2, "\x12\x00", 2);
+  test::WriteTestFile(PathOf("b/game.bin"), wrong);
+  EXPECT_EQ(Status({"checksum", "--fix", "--backup", "b/game.bin"}), 2);
+  EXPECT_TRUE(Said("is kept already")) << err;
+  EXPECT_EQ(Read("b/game.bin"), wrong);
+
+  test::WriteTestFile(PathOf("a/game.bin"), std::string(fixed).replace(0x18E, 2, "\x77\x77"));
+  EXPECT_EQ(Status({"restore-checksum", "a/game.bin"}), 2);
+  EXPECT_TRUE(Said("has changed since its checksum was fixed")) << err;
+  test::WriteTestFile(PathOf("a/game.bin"), fixed);
+  EXPECT_EQ(Status({"restore-checksum", "a/game.bin"}), 0) << err;
+  EXPECT_EQ(Read("a/game.bin"), before);
+}
+
 TEST_F(ImageCommands, RepairChangesNothingUnlessTold) {
   // --no answers the size question's No button, which carries "Truncate": it must not cut.
   EXPECT_EQ(Status({"repair", "copier.smd", "long.bin"}), 1);

@@ -239,7 +239,7 @@ TEST_F(KillDuringWriteTest, DynamicPatchesAreTakenBackAfterAKill) {
     for (std::uint64_t n = 0; n < 400; ++n) {
       const std::uint64_t at = 0x200 + n * 9973;
       const PatchValue value{at + 1, "\x4E\x71\x4E\x71", before.substr(at, 4)};
-      ASSERT_TRUE(StorePatch(**store, "GAME.BIN", "p" + std::to_string(n), value).ok());
+      ASSERT_TRUE(StorePatch(**store, "GAME.BIN", "p" + std::to_string(n), value, image).ok());
     }
   }
   // The launch's patching step, killed while the emulator would run (or before).

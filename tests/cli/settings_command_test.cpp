@@ -59,6 +59,20 @@ TEST_F(SettingsCommandTest, BadSectionsAndOptionsAreRefused) {
   EXPECT_EQ(Run({"settings", "get", "Settings", "k"}).out, "-bar\n");
 }
 
+// A store in a folder that cannot be written is still listed; a change is refused with why.
+TEST_F(SettingsCommandTest, AReadOnlyStoreIsListedButNotChanged) {
+  namespace fs = std::filesystem;
+  ASSERT_EQ(Run({"settings", "set", "Settings", "Joy", "0"}).status, 0);
+  fs::permissions(StoreFile(), fs::perms::owner_read);
+  fs::permissions(Dir(), fs::perms::owner_read | fs::perms::owner_exec);
+  const test::ToolRun listed = Run({"settings", "list", "Settings"});
+  const test::ToolRun refused = Run({"settings", "set", "Settings", "Joy", "1"});
+  fs::permissions(Dir(), fs::perms::owner_all);
+  EXPECT_EQ(listed.out, "Joy=0\n") << listed.err;
+  EXPECT_EQ(refused.status, cli::kExitError);
+  EXPECT_THAT(refused.err, HasSubstr("it is read-only"));
+}
+
 TEST_F(SettingsCommandTest, TheStoreIsChosenByOptionThenEnvironment) {
   test::ScopedEnv chosen("ROMSTEWARD_SETTINGS", PathOf("env.sqlite3").string());
   EXPECT_EQ(RunToolWith({"settings", "set", "Settings", "temp", "env"}).status, 0);

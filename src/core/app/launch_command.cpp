@@ -166,8 +166,9 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
         critical(saved.error().message);
       }
       if (options.activateDynamicPatch) {
-        m_patches = std::make_unique<DynamicPatchRun>(
-            DynamicPatchRun::Apply(m_host, m_settings.Store(), request.entryText, m_romPath));
+        m_patches = std::make_unique<DynamicPatchRun>(DynamicPatchRun::Apply(
+            m_host, m_settings.Store(), request.entryText, m_romPath,
+            request.zipListing ? PatchTarget::ExtractedCopy : PatchTarget::Image));
         if (!m_patches->Applied()) return std::nullopt;
       }
       if ((request.ownEmulatorRunning || IsEmulatorRunning(ConfiguredEmulatorPaths(m_settings))) &&

@@ -2,13 +2,14 @@
 
 #include <fmt/format.h>
 
-#include "core/host/host.h"
 #include "core/cart/checksum.h"
 #include "core/cart/detect.h"
 #include "core/cart/header.h"
 #include "core/cart/logical_io.h"
 #include "core/common/binary_file.h"
+#include "core/common/file_identity.h"
 #include "core/common/strings.h"
+#include "core/host/host.h"
 #include "core/settings/app_settings.h"
 
 namespace romsteward {
@@ -55,8 +56,26 @@ Status WriteChecksum(const std::filesystem::path& image, std::uint16_t value) {
   return WriteChecksumBytes(image, NumberToBytes(value, 2));
 }
 
-Status KeepChecksumBackup(AppSettings& settings, std::string_view entry, std::uint16_t value) {
-  return settings.SaveSetting(kSectionCrcs, entry, NumberToBytes(value, 2));
+Status ChecksumBackupSlotFree(const AppSettings& settings, std::string_view entry,
+                              const std::filesystem::path& image) {
+  if (!HasChecksumBackup(settings, entry)) return {};
+  const auto source = settings.Store().GetValue(SectionKeyPath(kSectionCrcSource), entry);
+  if (!source) return {};  // kept by an older version: its file is unknown
+  const std::string taken = source->substr(0, source->rfind('\n'));
+  if (IsSameFile(taken, image)) return {};
+  return Error{"A checksum of another file named " + EscapeForDisplay(entry) + " (" +
+               EscapeForDisplay(taken) + ") is kept already; restore or forget it first. " +
+               EscapeForDisplay(PathToUtf8(image)) + " was not changed."};
+}
+
+Status KeepChecksumBackup(AppSettings& settings, std::string_view entry,
+                          const std::filesystem::path& image, std::uint16_t oldValue,
+                          std::uint16_t newValue) {
+  if (Status free = ChecksumBackupSlotFree(settings, entry, image); !free) return free;
+  return settings.Store().SetValuesOfKeys(
+      {{SectionKeyPath(kSectionCrcs), std::string(entry), NumberToBytes(oldValue, 2)},
+       {SectionKeyPath(kSectionCrcSource), std::string(entry),
+        FileIdentity(image) + "\n" + Hex(newValue)}});
 }
 
 bool HasChecksumBackup(const AppSettings& settings, std::string_view entry) {
@@ -71,8 +90,36 @@ Result<std::string> ReadChecksumBackup(const AppSettings& settings, std::string_
   return value;
 }
 
-Status DeleteChecksumBackup(AppSettings& settings, std::string_view entry) {
-  return settings.DeleteSetting(kSectionCrcs, entry);
+Result<std::uint16_t> RestoreChecksumBackup(AppSettings& settings, std::string_view entry,
+                                            const std::filesystem::path& image) {
+  auto backup = ReadChecksumBackup(settings, entry);
+  if (!backup) return backup.error();
+  const std::string shown = EscapeForDisplay(PathToUtf8(image));
+  const std::string sources = SectionKeyPath(kSectionCrcSource);
+  if (const auto source = settings.Store().GetValue(sources, entry)) {
+    const auto lineEnd = source->rfind('\n');
+    const std::string taken = source->substr(0, lineEnd);
+    if (lineEnd == std::string::npos || !IsSameFile(taken, image)) {
+      return Error{"The checksum kept for " + EscapeForDisplay(entry) + " was taken from " +
+                   EscapeForDisplay(taken) + ", not from " + shown +
+                   "; nothing was changed and it is kept."};
+    }
+    auto file = BinaryFile::Open(image);
+    if (!file) return file.error();
+    const std::uint16_t now = ReadHeaderChecksum(ReadLogicalBytes(*file, DetectRomFormat(*file),
+                                                                  header_field::kChecksum.offset,
+                                                                  header_field::kChecksum.width));
+    if (Hex(now) != source->substr(lineEnd + 1)) {
+      return Error{shown + " has changed since its checksum was fixed (it holds " + Hex(now) +
+                   ", the fix wrote " + source->substr(lineEnd + 1) +
+                   "); the kept checksum was not put back and is kept."};
+    }
+  }
+  if (Status written = WriteChecksumBytes(image, *backup); !written) return written.error();
+  if (Status deleted = settings.DeleteSetting(kSectionCrcs, entry); !deleted)
+    return deleted.error();
+  if (settings.Store().HasValue(sources, entry)) (void)settings.Store().DeleteValue(sources, entry);
+  return static_cast<std::uint16_t>(BytesToNumber(*backup));
 }
 
 void CheckCrc(Host& host, AppSettings& settings, const std::filesystem::path& image,
@@ -101,8 +148,12 @@ void CheckCrc(Host& host, AppSettings& settings, const std::filesystem::path& im
     return ShowError(host,
                      Error{PathToUtf8(image) + " is read-only; its checksum was not changed."});
   }
-  if (answer == kEscolhaCancel && !KeepChecksumBackup(settings, entry, state->stored))
-    host.ShowMessage(kRegistryError, MessageIcon::Critical, {});
+  if (answer == kEscolhaCancel) {
+    if (Status free = ChecksumBackupSlotFree(settings, entry, image); !free)
+      return ShowError(host, free.error());
+    if (!KeepChecksumBackup(settings, entry, image, state->stored, state->computed))
+      host.ShowMessage(kRegistryError, MessageIcon::Critical, {});
+  }
   if (Status written = WriteChecksum(image, state->computed); !written)
     ShowError(host, written.error());
 }
@@ -112,15 +163,12 @@ void RestoreCrc(Host& host, AppSettings& settings, const std::filesystem::path& 
   if (host.AskYesNo("Are you sure you want to restore the old CRC?", MessageIcon::Question, {}) !=
       Answer::Yes)
     return;
-  auto backup = ReadChecksumBackup(settings, entry);
-  if (!backup) {
+  if (!HasChecksumBackup(settings, entry)) {
     host.ShowMessage(kRegistryError, MessageIcon::Critical, {});
     return;
   }
-  if (Status written = WriteChecksumBytes(image, *backup); !written)
-    return ShowError(host, written.error());
-  if (!DeleteChecksumBackup(settings, entry))
-    host.ShowMessage(kRegistryError, MessageIcon::Critical, {});
+  if (auto restored = RestoreChecksumBackup(settings, entry, image); !restored)
+    ShowError(host, restored.error());
 }
 
 bool IsRestoreCrcEnabled(const AppSettings& settings, std::string_view entry) {

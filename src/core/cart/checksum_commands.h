@@ -33,21 +33,35 @@ Status WriteChecksumBytes(const std::filesystem::path& image, std::string_view b
 Status WriteChecksum(const std::filesystem::path& image, std::uint16_t value);
 
 /// The backup of an image's old checksum: two bytes, high byte first, in section `CRCs`
-/// under the list entry's text.
-Status KeepChecksumBackup(AppSettings& settings, std::string_view entry, std::uint16_t value);
+/// under the list entry's text; beside it, in section `CRCSource` under the same name, the
+/// image file it was taken from and the checksum the fix gave it (backups kept before that
+/// existed have none).
+inline constexpr std::string_view kSectionCrcSource = "CRCSource";
+/// Refused when the entry holds the backup of another file (of the same name): keeping this
+/// one would lose it.
+Status ChecksumBackupSlotFree(const AppSettings& settings, std::string_view entry,
+                              const std::filesystem::path& image);
+/// Keeps `oldValue` of `image` before its checksum becomes `newValue`; refused as
+/// ChecksumBackupSlotFree says.
+Status KeepChecksumBackup(AppSettings& settings, std::string_view entry,
+                          const std::filesystem::path& image, std::uint16_t oldValue,
+                          std::uint16_t newValue);
 bool HasChecksumBackup(const AppSettings& settings, std::string_view entry);
 /// The kept bytes; fails when there are none or they are not two bytes.
 Result<std::string> ReadChecksumBackup(const AppSettings& settings, std::string_view entry);
-Status DeleteChecksumBackup(AppSettings& settings, std::string_view entry);
+/// Puts the kept checksum back into `image` and then forgets it; returns the value put back.
+/// Refused, with the backup kept, when it was taken from another file or `image` no longer
+/// holds the checksum the fix gave it. The backup is deleted only once the image holds it
+/// again, so a failed write loses nothing.
+Result<std::uint16_t> RestoreChecksumBackup(AppSettings& settings, std::string_view entry,
+                                            const std::filesystem::path& image);
 
 /// "Check CRC": compares the stored and the computed checksum and offers the fix, keeping
 /// the old value first on "&Fix 'n Save".
 void CheckCrc(Host& host, AppSettings& settings, const std::filesystem::path& image,
               std::string_view entry);
 
-/// "R&estore CRC": after confirmation puts the kept checksum back into the image and then
-/// forgets it. The backup is deleted only once the image holds it again, so a failed write
-/// loses nothing.
+/// "R&estore CRC": after confirmation, RestoreChecksumBackup.
 void RestoreCrc(Host& host, AppSettings& settings, const std::filesystem::path& image,
                 std::string_view entry);
 

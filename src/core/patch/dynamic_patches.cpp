@@ -1,5 +1,6 @@
 #include "core/patch/dynamic_patches.h"
 
+#include "core/common/file_identity.h"
 #include "core/common/strings.h"
 #include "core/settings/app_settings.h"
 
@@ -24,6 +25,12 @@ std::optional<std::uint64_t> ParsePosition(std::string_view text) {
 
 std::string PatchKeyPath() {
   return SectionKeyPath(kSectionPatch);
+}
+
+std::optional<std::string> PatchSource(const RegistryStore& store, std::string_view valueName) {
+  auto source = store.GetValue(SectionKeyPath(kSectionPatchSource), valueName);
+  if (!source) return std::nullopt;
+  return std::move(source).value();
 }
 
 std::string PatchValueName(std::string_view listText, std::string_view patchName) {
@@ -55,10 +62,18 @@ std::optional<PatchValue> DecodePatchValue(std::string_view data) {
                     std::string(rest.substr(split + 1))};
 }
 
+std::vector<RegistryStore::ValueWrite> PatchWrites(std::string_view listText,
+                                                   std::string_view patchName,
+                                                   const PatchValue& value,
+                                                   const std::filesystem::path& source) {
+  const std::string name = PatchValueName(listText, patchName);
+  return {{PatchKeyPath(), name, EncodePatchValue(value)},
+          {SectionKeyPath(kSectionPatchSource), name, FileIdentity(source)}};
+}
+
 Status StorePatch(RegistryStore& store, std::string_view listText, std::string_view patchName,
-                  const PatchValue& value) {
-  return store.SetValue(PatchKeyPath(), PatchValueName(listText, patchName),
-                        EncodePatchValue(value));
+                  const PatchValue& value, const std::filesystem::path& source) {
+  return store.SetValuesOfKeys(PatchWrites(listText, patchName, value, source));
 }
 
 bool HasDynamicPatches(const RegistryStore& store, std::string_view listText) {
@@ -100,7 +115,12 @@ Result<std::vector<std::pair<std::string, std::string>>> PatchesForLaunch(
 
 Status RemoveDynamicPatch(RegistryStore& store, std::string_view listText,
                           std::string_view patchName) {
-  return store.DeleteValue(PatchKeyPath(), PatchValueName(ToUpperAscii(listText), patchName));
+  const std::string name = PatchValueName(ToUpperAscii(listText), patchName);
+  if (Status deleted = store.DeleteValue(PatchKeyPath(), name); !deleted) return deleted;
+  // A patch stored before sources were recorded has none to delete.
+  const std::string sources = SectionKeyPath(kSectionPatchSource);
+  if (store.HasValue(sources, name)) return store.DeleteValue(sources, name);
+  return {};
 }
 
 }  // namespace romsteward

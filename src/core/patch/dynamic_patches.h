@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,6 +21,12 @@ inline constexpr std::string_view kMalformedPatch =
 /// The key every dynamic patch is a value of (section PATCH of the application's settings).
 std::string PatchKeyPath();
 
+/// The section that names, under a patch's value name, the file its old bytes were read from
+/// (see FileIdentity). Patches stored before it existed have no entry there.
+inline constexpr std::string_view kSectionPatchSource = "PatchSource";
+/// The file the patch `valueName` was taken from; nullopt when that was not recorded.
+std::optional<std::string> PatchSource(const RegistryStore& store, std::string_view valueName);
+
 /// A stored patch: value name list text + "|" + patch name, data position + "|" + new bytes
 /// + "|" + old bytes.
 struct PatchValue {
@@ -37,9 +44,16 @@ std::string EncodePatchValue(const PatchValue& value);
 /// a decimal number of 1 or more.
 std::optional<PatchValue> DecodePatchValue(std::string_view data);
 
-/// Writes (or replaces) the patch `patchName` of the image listed as `listText`.
+/// The two values that store the patch `patchName` of the image listed as `listText`: the
+/// patch, and the name of `source`, the file its old bytes were read from.
+std::vector<RegistryStore::ValueWrite> PatchWrites(std::string_view listText,
+                                                   std::string_view patchName,
+                                                   const PatchValue& value,
+                                                   const std::filesystem::path& source);
+/// Writes (or replaces) the patch `patchName` of the image listed as `listText`, whose old
+/// bytes were read from `source`, and the name of that file beside it (both or neither).
 Status StorePatch(RegistryStore& store, std::string_view listText, std::string_view patchName,
-                  const PatchValue& value);
+                  const PatchValue& value, const std::filesystem::path& source);
 
 /// Whether "Activate dynamic patch" is enabled for `listText`: some value name begins with
 /// it, letter case included.
@@ -56,7 +70,8 @@ std::vector<std::string> ListDynamicPatchNames(const RegistryStore& store,
 Result<std::vector<std::pair<std::string, std::string>>> PatchesForLaunch(
     const RegistryStore& store, std::string_view listText);
 
-/// Deletes the value upper-cased `listText` + "|" + `patchName` (names match in any case).
+/// Deletes the value upper-cased `listText` + "|" + `patchName` (names match in any case),
+/// and the name of the file it was taken from.
 Status RemoveDynamicPatch(RegistryStore& store, std::string_view listText,
                           std::string_view patchName);
 

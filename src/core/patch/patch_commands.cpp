@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
@@ -32,21 +34,28 @@ CommandResult StoreIpsAsDynamicPatches(Host& host, RegistryStore& store,
   if (many) progress.emplace(host, "Storing dynamic patches");
   std::size_t count = 0;
   bool cancelled = false;
+  // Each record is two values: the patch, and the file its old bytes came from.
+  std::vector<RegistryStore::ValueWrite> pending;
   const Status stored = store.SetValuesFrom(
-      PatchKeyPath(), [&]() -> Result<std::optional<RegistryStore::NamedValue>> {
-        if (count == total) return std::optional<RegistryStore::NamedValue>();
-        if (many && count % 1024 == 0 && !host.SetProgress(static_cast<int>(count * 100 / total))) {
-          cancelled = true;
-          return Error{"cancelled"};
+      [&]() -> Result<std::optional<RegistryStore::ValueWrite>> {
+        if (pending.empty()) {
+          if (count == total) return std::optional<RegistryStore::ValueWrite>();
+          if (many && count % 1024 == 0 &&
+              !host.SetProgress(static_cast<int>(count * 100 / total))) {
+            cancelled = true;
+            return Error{"cancelled"};
+          }
+          const IpsRecord& record = contents.records[count];
+          const PatchValue patch{record.offset + 1ULL, std::string(record.data),
+                                 file->ReadAt(record.offset, record.data.size())};
+          pending = PatchWrites(listText, std::string(baseName) + std::to_string(count), patch,
+                                image);
+          std::reverse(pending.begin(), pending.end());
+          ++count;
         }
-        const IpsRecord& record = contents.records[count];
-        const PatchValue patch{record.offset + 1ULL, std::string(record.data),
-                               file->ReadAt(record.offset, record.data.size())};
-        RegistryStore::NamedValue value{
-            PatchValueName(listText, std::string(baseName) + std::to_string(count)),
-            EncodePatchValue(patch)};
-        ++count;
-        return std::optional<RegistryStore::NamedValue>(std::move(value));
+        RegistryStore::ValueWrite write = std::move(pending.back());
+        pending.pop_back();
+        return std::optional<RegistryStore::ValueWrite>(std::move(write));
       });
   progress.reset();
   // All or nothing: a cancel or a failure half-way leaves the store as it was.

@@ -112,7 +112,7 @@ bool PatchDialogModel::Save() {
     patch.newBytes += PairToByte(std::string_view(m_value).substr(i, 2));
   }
   patch.oldBytes = image->ReadAt(*position, patch.newBytes.size());
-  if (!StorePatch(*m_store, m_listText, m_name, patch)) {
+  if (!StorePatch(*m_store, m_listText, m_name, patch, m_image)) {
     m_host->ShowMessage(kRegistryError, MessageIcon::Critical, kDefaultTitle);
     return false;
   }

@@ -1,103 +1,64 @@
 #include "core/patch/patch_run.h"
 
-#include <charconv>
+#include <fmt/format.h>
+
 #include <optional>
 #include <utility>
 
 #include "core/common/binary_file.h"
+#include "core/common/file_identity.h"
 #include "core/common/strings.h"
 #include "core/patch/dynamic_patches.h"
 #include "core/patch/patch_file_dialogs.h"
+#include "core/patch/restore_record.h"
 #include "core/settings/app_settings.h"
 
 namespace romsteward {
 
 namespace {
 
-// The restore record: a first line "restore <size of the file before the run>", then for
-// each patch a line "<offset> <new length> <old length>" followed by the old bytes
-// themselves. Lengths go before the raw bytes, so any byte may appear in them.
-constexpr std::string_view kRecordTag = "restore";
-
-struct RestoreRecord {
-  std::uint64_t originalSize = 0;
-  std::vector<DynamicPatchRun::Patch> patches;
-};
-
 std::string RunKeyPath() {
   return SectionKeyPath(kSectionPatchRun);
 }
 
-std::string EncodeRecord(const RestoreRecord& record) {
-  std::string data = std::string(kRecordTag) + " " + std::to_string(record.originalSize) + "\n";
-  for (const auto& patch : record.patches) {
-    data += std::to_string(patch.offset) + " " + std::to_string(patch.newLength) + " " +
-            std::to_string(patch.oldBytes.size()) + "\n";
-    data += patch.oldBytes;
-  }
-  return data;
+std::string NotPatchedAnyMore(const std::string& shown) {
+  return shown +
+         " no longer holds what the emulator run wrote into it (it was replaced or changed "
+         "since), so the dynamic patches' old bytes were not written back.";
 }
 
-class RecordReader {
-public:
-  explicit RecordReader(std::string_view data) : m_data(data) {}
-
-  bool AtEnd() const { return m_data.empty(); }
-  std::optional<std::uint64_t> Number(char after) {
-    std::uint64_t value = 0;
-    const auto [end, error] = std::from_chars(m_data.data(), m_data.data() + m_data.size(), value);
-    if (error != std::errc{} || end == m_data.data() + m_data.size() || *end != after) {
-      return std::nullopt;
-    }
-    m_data.remove_prefix(static_cast<std::size_t>(end - m_data.data()) + 1);
-    return value;
-  }
-  bool Word(std::string_view word) {
-    if (!m_data.starts_with(word)) return false;
-    m_data.remove_prefix(word.size());
-    return true;
-  }
-  std::optional<std::string> Bytes(std::uint64_t count) {
-    if (m_data.size() < count) return std::nullopt;
-    std::string bytes(m_data.substr(0, static_cast<std::size_t>(count)));
-    m_data.remove_prefix(static_cast<std::size_t>(count));
-    return bytes;
-  }
-
-private:
-  std::string_view m_data;
-};
-
-std::optional<RestoreRecord> DecodeRecord(std::string_view data) {
-  RecordReader in(data);
-  RestoreRecord record;
-  if (!in.Word(kRecordTag) || !in.Word(" ")) return std::nullopt;
-  const auto size = in.Number('\n');
-  if (!size) return std::nullopt;
-  record.originalSize = *size;
-  while (!in.AtEnd()) {
-    const auto offset = in.Number(' ');
-    const auto newLength = offset ? in.Number(' ') : std::nullopt;
-    const auto oldLength = newLength ? in.Number('\n') : std::nullopt;
-    auto oldBytes = oldLength ? in.Bytes(*oldLength) : std::nullopt;
-    if (!oldBytes) return std::nullopt;
-    record.patches.push_back({*offset, std::move(*oldBytes), static_cast<std::size_t>(*newLength)});
-  }
-  return record;
+// Whether the file at `path` is still the one the record's run patched; a file that cannot be
+// read is left to the restore, which reports it.
+bool StillPatched(const std::filesystem::path& path, const RestoreRecord& record) {
+  const auto file = BinaryFile::Open(path);
+  return !file || HoldsTheRun(*file, record);
 }
 
-// Puts the old bytes back in the patches' order, then cuts off what the patches added
-// beyond the file's former end.
-Status RestoreFile(const std::filesystem::path& path, const RestoreRecord& record) {
-  auto file = BinaryFile::Open(path, BinaryFile::Mode::ReadWrite);
-  if (!file) return file.error();
-  bool lengthened = false;
-  for (const auto& patch : record.patches) {
-    if (Status written = file->WriteAt(patch.offset, patch.oldBytes); !written) return written;
-    lengthened = lengthened || patch.offset + patch.newLength > record.originalSize;
+// Why the patch `name` must not be written into `file`, or nullopt when it may: its old bytes
+// were read from another file, or the file no longer holds them, so putting them back after the
+// run would change it for good. A copy extracted for the run is checked by its bytes alone.
+std::optional<std::string> WhyNotTakenFrom(const RegistryStore& store, std::string_view name,
+                                           const PatchValue& patch, const BinaryFile& image,
+                                           const std::filesystem::path& file, PatchTarget target) {
+  if (target == PatchTarget::Image) {
+    if (const auto source = PatchSource(store, name); source && !IsSameFile(*source, file))
+      return "made from " + EscapeForDisplay(*source);
   }
-  if (lengthened && file->Size() > record.originalSize) return file->Truncate(record.originalSize);
-  return {};
+  if (image.ReadAt(patch.position - 1, patch.newBytes.size()) != patch.oldBytes)
+    return "the bytes it would put back are not those the file holds there";
+  return std::nullopt;
+}
+
+std::string RefusalMessage(const std::filesystem::path& file,
+                           const std::vector<std::string>& refused) {
+  constexpr std::size_t kShown = 10;
+  std::string text = "These dynamic patches were not applied to " +
+                     EscapeForDisplay(PathToUtf8(file)) +
+                     ", as their old bytes were not taken from it:";
+  for (std::size_t i = 0; i < refused.size() && i < kShown; ++i)
+    text += "\n" + refused[i];
+  if (refused.size() > kShown) text += fmt::format("\n... and {} more", refused.size() - kShown);
+  return text;
 }
 
 std::string RecordName(const std::filesystem::path& file) {
@@ -125,25 +86,23 @@ DynamicPatchRun::~DynamicPatchRun() {
 }
 
 DynamicPatchRun DynamicPatchRun::Apply(Host& host, RegistryStore& store, std::string_view listText,
-                                       const std::filesystem::path& file) {
+                                       const std::filesystem::path& file, PatchTarget target) {
   DynamicPatchRun run(host, store, file);
   const auto values = PatchesForLaunch(store, listText);
   if (!values) {
     host.ShowMessage(kRegistryError, MessageIcon::Critical, kDefaultTitle);
     return run;
   }
-  std::vector<std::string> newBytes;
+  std::vector<std::pair<std::string, PatchValue>> candidates;
   for (const auto& [name, data] : *values) {
     auto patch = DecodePatchValue(data);
     if (!patch) {
       host.ShowMessage(kMalformedPatch, MessageIcon::Critical, kDefaultTitle);
       continue;
     }
-    run.m_patches.push_back(
-        {patch->position - 1, std::move(patch->oldBytes), patch->newBytes.size()});
-    newBytes.push_back(std::move(patch->newBytes));
+    candidates.emplace_back(name, std::move(*patch));
   }
-  if (run.m_patches.empty()) {
+  if (candidates.empty()) {
     run.m_applied = true;  // nothing to write, nothing to take back
     return run;
   }
@@ -151,7 +110,22 @@ DynamicPatchRun DynamicPatchRun::Apply(Host& host, RegistryStore& store, std::st
   auto image = BinaryFile::Open(file, BinaryFile::Mode::ReadWrite);
   if (!image) {
     host.ShowMessage(image.error().message, MessageIcon::Critical, kDefaultTitle);
-    run.m_patches.clear();
+    return run;
+  }
+  std::vector<std::string> refused;
+  for (auto& [name, patch] : candidates) {
+    if (auto why = WhyNotTakenFrom(store, name, patch, *image, file, target)) {
+      refused.push_back(EscapeForDisplay(name) + ": " + *why);
+      continue;
+    }
+    run.m_patches.push_back({patch.position - 1, std::move(patch.oldBytes), patch.newBytes.size(),
+                             std::move(patch.newBytes)});
+  }
+  if (!refused.empty()) {
+    host.ShowMessage(RefusalMessage(file, refused), MessageIcon::Exclamation, kDefaultTitle);
+  }
+  if (run.m_patches.empty()) {
+    run.m_applied = true;
     return run;
   }
   run.m_originalSize = image->Size();
@@ -167,8 +141,8 @@ DynamicPatchRun DynamicPatchRun::Apply(Host& host, RegistryStore& store, std::st
     return run;
   }
   run.m_applied = true;
-  for (std::size_t i = 0; i < newBytes.size(); ++i) {
-    if (Status written = image->WriteAt(run.m_patches[i].offset, newBytes[i]); !written) {
+  for (const RunPatch& patch : run.m_patches) {
+    if (Status written = image->WriteAt(patch.offset, patch.newBytes); !written) {
       host.ShowMessage(written.error().message, MessageIcon::Critical, kDefaultTitle);
       break;
     }
@@ -178,7 +152,11 @@ DynamicPatchRun DynamicPatchRun::Apply(Host& host, RegistryStore& store, std::st
 
 void DynamicPatchRun::Restore() {
   if (!std::exchange(m_applied, false) || m_patches.empty()) return;
-  if (Status restored = RestoreFile(m_file, {m_originalSize, m_patches}); !restored) {
+  const RestoreRecord record{m_originalSize, m_patches};
+  if (!StillPatched(m_file, record)) {
+    m_host->ShowMessage(NotPatchedAnyMore(EscapeForDisplay(PathToUtf8(m_file))),
+                        MessageIcon::Exclamation, kDefaultTitle);
+  } else if (Status restored = RestoreFile(m_file, record); !restored) {
     m_host->ShowMessage(restored.error().message + "\nThe dynamic patches could not be taken off " +
                             PathToUtf8(m_file) + "; the next start will try again.",
                         MessageIcon::Critical, kDefaultTitle);
@@ -217,6 +195,12 @@ std::size_t RecoverInterruptedPatchRuns(Host& host, RegistryStore& store) {
           "The program ended during an emulator run with dynamic patches applied "
           "to " +
               shown + ", which no longer exists. Nothing was restored.",
+          MessageIcon::Exclamation, kDefaultTitle);
+    } else if (!StillPatched(Utf8ToPath(name), *record)) {
+      host.ShowMessage(
+          "The program ended during an emulator run with dynamic patches applied "
+          "to " +
+              shown + ". " + NotPatchedAnyMore(shown),
           MessageIcon::Exclamation, kDefaultTitle);
     } else if (Status put = RestoreFile(Utf8ToPath(name), *record); !put) {
       host.ShowMessage(put.error().message + "\nThe dynamic patches applied to " + shown +

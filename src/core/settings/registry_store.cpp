@@ -9,6 +9,7 @@
 
 #include "core/common/strings.h"
 #include "core/settings/sqlite_statement.h"
+#include "core/settings/store_connection.h"
 
 namespace romsteward {
 
@@ -40,11 +41,6 @@ CREATE TABLE IF NOT EXISTS registry_values(
   UNIQUE(key_id, folded));
 )sql";
 
-struct DatabaseCloser {
-  void operator()(sqlite3* db) const { sqlite3_close_v2(db); }
-};
-using DatabaseHandle = std::unique_ptr<sqlite3, DatabaseCloser>;
-
 // The registry does not care about a trailing separator; neither do we.
 std::string_view TrimKeyPath(std::string_view keyPath) {
   while (!keyPath.empty() && keyPath.back() == '\\')
@@ -65,6 +61,13 @@ struct RegistryStore::Impl {
   std::string FileName() const { return PathToUtf8(file); }
 
   Error Failure(std::string_view doing) const {
+    // A store opened for reading only says so rather than SQLite's "readonly database".
+    if (doing == "write to" && sqlite3_db_readonly(db.get(), "main") == 1) {
+      return Error{fmt::format(
+          "Cannot write to the settings file \"{}\": it is read-only (the file or its folder "
+          "cannot be written)",
+          FileName())};
+    }
     return Error{fmt::format("Cannot {} the settings file \"{}\": {}", doing, FileName(),
                              sqlite3_errmsg(db.get()))};
   }
@@ -117,27 +120,55 @@ struct RegistryStore::Impl {
     return upsert.Step() == SQLITE_DONE;
   }
 
-  // Creates the tables in a new, empty database; refuses one that belongs to something else.
-  Status Initialise() {
+  // Refuses a database that belongs to something else, or to a newer version of ours.
+  Status CheckOwner() {
     SqliteStatement check(db.get(),
                           "SELECT (SELECT count(*) FROM sqlite_master), "
                           "(SELECT application_id FROM pragma_application_id), "
                           "(SELECT user_version FROM pragma_user_version)");
     if (check.Step() != SQLITE_ROW) return Failure("read");
-    const std::int64_t objects = check.ColumnInt(0);
-    const std::int64_t applicationId = check.ColumnInt(1);
-    const std::int64_t version = check.ColumnInt(2);
-    if (objects > 0 && applicationId != kApplicationId) {
+    if (check.ColumnInt(0) == 0) return {};  // new and empty: made ours by Initialise
+    if (check.ColumnInt(1) != kApplicationId) {
       return Error{fmt::format(
           "Cannot read the settings file \"{}\": it is a database of another program", FileName())};
     }
-    if (objects > 0 && version > kSchemaVersion) {
+    if (check.ColumnInt(2) > kSchemaVersion) {
       return Error{
           fmt::format("Cannot read the settings file \"{}\": it was written by a newer version of "
                       "Genesis Romsteward",
                       FileName())};
     }
-    if (objects > 0) return {};
+    return {};
+  }
+
+  Error NoKeyNamed() const {
+    return Error{
+        fmt::format("Cannot write to the settings file \"{}\": no key was named", FileName())};
+  }
+
+  // Writes every value in one transaction after `first` (which runs inside it too).
+  Status Write(const std::vector<ValueWrite>& writes, const std::function<bool()>& first) {
+    for (const ValueWrite& write : writes) {
+      if (write.name.find('\0') != std::string::npos) {
+        return Error{fmt::format("Cannot write the value \"{}\": a name cannot hold a 0x00 byte",
+                                 Describe(write.name))};
+      }
+    }
+    return InWriteTransaction([&] {
+      if (!first()) return false;
+      for (const ValueWrite& write : writes) {
+        const std::int64_t keyId = CreateKey(write.keyPath);
+        if (keyId == 0 || !Upsert(keyId, write.name, write.data)) return false;
+      }
+      return true;
+    });
+  }
+
+  // Creates the tables in a new, empty database.
+  Status Initialise() {
+    SqliteStatement check(db.get(), "SELECT count(*) FROM sqlite_master");
+    if (check.Step() != SQLITE_ROW) return Failure("read");
+    if (check.ColumnInt(0) > 0) return {};
     // Another copy may be creating the same new file right now: check again under the lock.
     return InWriteTransaction([this] {
       SqliteStatement recheck(db.get(), "SELECT count(*) FROM sqlite_master");
@@ -153,9 +184,16 @@ struct RegistryStore::Impl {
   // Reads every page once, so a damaged file is refused before anything is written to it.
   Status CheckIntegrity() {
     SqliteStatement check(db.get(), "PRAGMA quick_check(1)");
-    if (check.Step() != SQLITE_ROW) return Failure("read");
-    const std::string verdict = check.ColumnBlob(0);
-    if (verdict == "ok") return {};
+    const int step = check.Step();
+    std::string verdict;
+    if (step == SQLITE_ROW) {
+      verdict = check.ColumnBlob(0);
+      if (verdict == "ok") return {};
+    } else if ((step & 0xFF) == SQLITE_CORRUPT) {
+      verdict = sqlite3_errmsg(db.get());  // pages missing or unreadable
+    } else {
+      return Failure("read");
+    }
     return Error{fmt::format("Cannot read the settings file \"{}\": it is damaged ({})", FileName(),
                              verdict)};
   }
@@ -179,15 +217,30 @@ Result<std::unique_ptr<RegistryStore>> RegistryStore::Open(const fs::path& file)
                                error.message())};
     }
   }
-  sqlite3* raw = nullptr;
-  const int opened =
-      sqlite3_open_v2(name.c_str(), &raw, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
-  impl->db.reset(raw);
-  if (opened != SQLITE_OK) return impl->Failure("open");
-  sqlite3_busy_timeout(raw, kBusyTimeoutMs);
+  const StoreAccess access = ChooseStoreAccess(file);
 
-  // Verify before the first write: a file that is not ours, or damaged, stays as it was.
-  if (Status ok = impl->CheckIntegrity(); !ok) return ok.error();
+  // Verified before the first write, on a connection that changes nothing: a file that is
+  // not ours, or damaged, keeps every file of it as it was.
+  if (JournalWithoutItsFile(file)) {
+    return Error{fmt::format(
+        "Cannot read the settings file \"{}\": it is damaged (it is empty, but its journal "
+        "\"{}-wal\" is not)",
+        name, name)};
+  }
+  const JournalFiles journals = FindJournalFiles(file);
+  if (ConnectStore(file, access, true, impl->db) != SQLITE_OK) return impl->Failure("open");
+  sqlite3_busy_timeout(impl->db.get(), kBusyTimeoutMs);
+  Status verified = impl->CheckIntegrity();
+  if (verified) verified = impl->CheckOwner();
+  impl->db.reset();
+  if (!verified) {
+    RemoveAddedJournalFiles(file, journals);
+    return verified.error();
+  }
+
+  if (ConnectStore(file, access, false, impl->db) != SQLITE_OK) return impl->Failure("open");
+  sqlite3* raw = impl->db.get();
+  sqlite3_busy_timeout(raw, kBusyTimeoutMs);
   if (Status ok = impl->Initialise(); !ok) return ok.error();
   if (sqlite3_db_readonly(raw, "main") == 0) {
     // WAL lets a reader and a writer in two copies of the program work side by side.
@@ -226,23 +279,29 @@ Status RegistryStore::SetValue(std::string_view keyPath, std::string_view name,
 
 Status RegistryStore::SetValues(std::string_view keyPath,
                                 const std::vector<std::pair<std::string, std::string>>& values) {
-  std::size_t next = 0;
-  return SetValuesFrom(keyPath, [&]() -> Result<std::optional<NamedValue>> {
-    if (next == values.size()) return std::optional<NamedValue>();
-    return std::optional<NamedValue>(values[next++]);
-  });
+  if (TrimKeyPath(keyPath).empty()) return m_impl->NoKeyNamed();
+  std::vector<ValueWrite> writes;
+  writes.reserve(values.size());
+  for (const auto& [name, data] : values)
+    writes.push_back({std::string(keyPath), name, data});
+  // With no values the key is still created, as the registry's create call would.
+  return m_impl->Write(writes, [&] { return m_impl->CreateKey(keyPath) != 0; });
+}
+
+Status RegistryStore::SetValuesOfKeys(const std::vector<ValueWrite>& writes) {
+  for (const ValueWrite& write : writes) {
+    if (TrimKeyPath(write.keyPath).empty()) return m_impl->NoKeyNamed();
+  }
+  return m_impl->Write(writes, [] { return true; });
 }
 
 Status RegistryStore::SetValuesFrom(
-    std::string_view keyPath, const std::function<Result<std::optional<NamedValue>>()>& next) {
-  if (TrimKeyPath(keyPath).empty()) {
-    return Error{fmt::format("Cannot write to the settings file \"{}\": no key was named",
-                             m_impl->FileName())};
-  }
+    const std::function<Result<std::optional<ValueWrite>>()>& next) {
   std::optional<Error> stopped;
   Status written = m_impl->InWriteTransaction([&] {
-    const std::int64_t keyId = m_impl->CreateKey(keyPath);
-    if (keyId == 0) return false;
+    // Runs of values of one key look the key up once.
+    std::string lastKey;
+    std::int64_t keyId = 0;
     while (true) {
       auto value = next();
       if (!value) {
@@ -250,13 +309,22 @@ Status RegistryStore::SetValuesFrom(
         return false;
       }
       if (!*value) return true;
-      const auto& [name, data] = **value;
-      if (name.find('\0') != std::string::npos) {
-        stopped = Error{fmt::format("Cannot write the value \"{}\": a name cannot hold a 0x00 byte",
-                                    Describe(name))};
+      const ValueWrite& write = **value;
+      if (TrimKeyPath(write.keyPath).empty()) {
+        stopped = m_impl->NoKeyNamed();
         return false;
       }
-      if (!m_impl->Upsert(keyId, name, data)) return false;
+      if (write.name.find('\0') != std::string::npos) {
+        stopped = Error{fmt::format("Cannot write the value \"{}\": a name cannot hold a 0x00 byte",
+                                    Describe(write.name))};
+        return false;
+      }
+      if (keyId == 0 || write.keyPath != lastKey) {
+        keyId = m_impl->CreateKey(write.keyPath);
+        if (keyId == 0) return false;
+        lastKey = write.keyPath;
+      }
+      if (!m_impl->Upsert(keyId, write.name, write.data)) return false;
     }
   });
   if (stopped) return *stopped;

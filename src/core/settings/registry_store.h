@@ -39,12 +39,18 @@ public:
   /// Several values of one key in one transaction: all are written or none.
   Status SetValues(std::string_view keyPath,
                    const std::vector<std::pair<std::string, std::string>>& values);
-  /// Values of one key made one at a time by `next` (nullopt when there are no more), in one
+  /// One value of some key, for SetValuesOfKeys and SetValuesFrom.
+  struct ValueWrite {
+    std::string keyPath;
+    std::string name;
+    std::string data;
+  };
+  /// Values of several keys in one transaction: all are written or none.
+  Status SetValuesOfKeys(const std::vector<ValueWrite>& writes);
+  /// Values made one at a time by `next` (nullopt when there are no more), in one
   /// transaction: all are written or none. An Error from `next` (a cancel) writes nothing and
   /// is returned.
-  using NamedValue = std::pair<std::string, std::string>;
-  Status SetValuesFrom(std::string_view keyPath,
-                       const std::function<Result<std::optional<NamedValue>>()>& next);
+  Status SetValuesFrom(const std::function<Result<std::optional<ValueWrite>>()>& next);
   Result<std::string> GetValue(std::string_view keyPath, std::string_view name) const;
   bool HasValue(std::string_view keyPath, std::string_view name) const;
   Status DeleteValue(std::string_view keyPath, std::string_view name);

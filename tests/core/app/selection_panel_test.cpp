@@ -123,8 +123,10 @@ TEST_F(SelectionPanelTest, TheChosenDatNamesTheSelectedImageAndABadOneIsToldOnce
 TEST_F(SelectionPanelTest, AReadOnlyImageCanBeLaunchedButNotWritten) {
   Collection();
   PatchValue patch{0x200, "A", "B"};
-  ASSERT_TRUE(StorePatch(settings.Store(), "game.bin", "lives", patch).ok());
-  ASSERT_TRUE(StorePatch(settings.Store(), "other.smd", "lives", patch).ok());
+  ASSERT_TRUE(
+      StorePatch(settings.Store(), "game.bin", "lives", patch, PathOf("roms/game.bin")).ok());
+  ASSERT_TRUE(
+      StorePatch(settings.Store(), "other.smd", "lives", patch, PathOf("roms/other.smd")).ok());
   test::MakeReadOnly(PathOf("roms/game.bin"));
 
   SelectName("other.smd");

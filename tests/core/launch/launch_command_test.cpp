@@ -69,7 +69,8 @@ protected:
     return std::filesystem::exists(log / name, error) ? test::ReadTestFile(log / name) : "<none>";
   }
   void PatchImage(std::string_view entry) {
-    ASSERT_TRUE(StorePatch(settings.Store(), entry, "infinite lives", {0x201, "XY", "\x60\xFE"}));
+    ASSERT_TRUE(StorePatch(settings.Store(), entry, "infinite lives", {0x201, "XY", "\x60\xFE"},
+                           Utf8ToPath(roms) / Utf8ToPath(entry)));
   }
 
   std::string roms;

@@ -1,5 +1,6 @@
 #include "core/patch/dynamic_patches.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "core/patch/patch_commands.h"
@@ -15,6 +16,8 @@ namespace {
 
 using test::Bytes;
 using test::PromptKind;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
 /// A settings store in the test's directory and a scripted host.
 class PatchStoreTest : public test::SettingsTest {
@@ -204,17 +207,86 @@ TEST_F(PatchRun, PatchesHoldForTheRunAndTheSavedOldBytesComeBackAfter) {
   StoreRaw("A.BIN|wide", "3|ABCD|2345");
   StoreRaw("A.BIN2|sequel", "5|xy|45");  // same prefix: applied too, after "wide"
   StoreRaw("a.bin|other case", "1|Q|0");
-  StoreRaw("A.BIN|stale", "1|X|S");                             // saved when the first byte was "S"
   StoreRaw("A.BIN|tail", "10|" + Bytes({'|', 0, 'Z'}) + "|9");  // runs past the end
   StoreRaw("A.BIN|broken", "7|no second field");
   {
     DynamicPatchRun run = DynamicPatchRun::Apply(m_host, Store(), "A.BIN", image);
     EXPECT_EQ(m_host.Texts(),
               std::vector<std::string>{"Error in dynamic patch. Please, create it again"});
-    EXPECT_EQ(test::ReadTestFile(image), "X1ABxy678" + Bytes({'|', 0, 'Z'}));
+    EXPECT_EQ(test::ReadTestFile(image), "01ABxy678" + Bytes({'|', 0, 'Z'}));
     EXPECT_TRUE(RecordLeft());
   }  // the end of the scope restores
-  EXPECT_EQ(test::ReadTestFile(image), "S123456789");
+  EXPECT_EQ(test::ReadTestFile(image), "0123456789");
+  EXPECT_FALSE(RecordLeft());
+}
+
+// Another image of the same name, or this one changed since, would keep the saved old bytes
+// for good: such patches are left out and named, the others still apply.
+TEST_F(PatchRun, OldBytesAreOnlyEverWrittenIntoTheFileTheyWereTakenFrom) {
+  for (const char* folder : {"a", "b", "c"})
+    std::filesystem::create_directory(PathOf(folder));
+  const auto own = Put("a/GAME.BIN", "0123456789");
+  const auto other = Put("b/GAME.BIN", "ABCDEFGHIJ");
+  const auto twin = Put("c/GAME.BIN", "0123456789");  // same bytes, another file
+  std::filesystem::create_symlink(own, PathOf("link.bin"));
+  ASSERT_TRUE(StorePatch(Store(), "GAME.BIN", "lives", {3, "xy", "23"}, own));
+  // The file during the run, and what was said about it.
+  std::string said;
+  const auto runOn = [&](const std::filesystem::path& file, PatchTarget target) {
+    const std::size_t before = m_host.Texts().size();
+    DynamicPatchRun run = DynamicPatchRun::Apply(m_host, Store(), "GAME.BIN", file, target);
+    const auto texts = m_host.Texts();
+    said = texts.size() > before ? texts.back() : "";
+    return test::ReadTestFile(file);
+  };
+  EXPECT_EQ(runOn(other, PatchTarget::Image), "ABCDEFGHIJ");
+  EXPECT_EQ(test::ReadTestFile(other), "ABCDEFGHIJ");
+  EXPECT_THAT(said, HasSubstr("not applied to " + other.string()));
+  EXPECT_THAT(said, HasSubstr("GAME.BIN|lives: made from " + own.string()));
+  EXPECT_EQ(runOn(twin, PatchTarget::Image), "0123456789");
+  EXPECT_THAT(said, HasSubstr("made from"));
+  // The same file however it is reached; a throwaway copy is judged by its bytes.
+  EXPECT_EQ(runOn(PathOf("link.bin"), PatchTarget::Image), "01xy456789");
+  EXPECT_EQ(said, "");
+  EXPECT_EQ(runOn(twin, PatchTarget::ExtractedCopy), "01xy456789");
+  EXPECT_EQ(said, "");
+  EXPECT_EQ(test::ReadTestFile(own), "0123456789");
+  EXPECT_EQ(test::ReadTestFile(twin), "0123456789");
+
+  // Without a recorded file (a store of an older version) the bytes decide alone: a patch
+  // saved when the image held other bytes is left out, one that matches applies.
+  StoreRaw("GAME.BIN|stale", "1|X|S");
+  EXPECT_EQ(runOn(own, PatchTarget::Image), "01xy456789");
+  EXPECT_THAT(said, HasSubstr("GAME.BIN|stale: the bytes it would put back"));
+  EXPECT_EQ(test::ReadTestFile(own), "0123456789");
+  ASSERT_TRUE(RemoveDynamicPatch(Store(), "GAME.BIN", "lives"));
+  EXPECT_EQ(SettingsTest::Stored(kSectionPatchSource, "GAME.BIN|lives"), "<missing>");
+  StoreRaw("GAME.BIN|stale", "1|X|0");
+  EXPECT_EQ(runOn(twin, PatchTarget::Image), "X123456789");
+  EXPECT_EQ(test::ReadTestFile(twin), "0123456789");
+}
+
+// A file replaced while the emulator ran, or before the next start recovers a killed run, is
+// not the file the run patched: the saved old bytes stay out of it.
+TEST_F(PatchRun, AFileReplacedSinceThePatchingKeepsItsBytes) {
+  const auto image = Put("GAME.BIN", "0123456789");
+  ASSERT_TRUE(StorePatch(Store(), "GAME.BIN", "lives", {3, "xy", "23"}, image));
+  {
+    auto run = DynamicPatchRun::Apply(m_host, Store(), "GAME.BIN", image);
+    test::WriteTestFile(image, "ABCDEFGHIJ");
+  }
+  EXPECT_EQ(test::ReadTestFile(image), "ABCDEFGHIJ");
+  EXPECT_THAT(m_host.Texts().back(), HasSubstr("no longer holds what the emulator run wrote"));
+  EXPECT_FALSE(RecordLeft());
+
+  test::WriteTestFile(image, "0123456789");
+  auto run = DynamicPatchRun::Apply(m_host, Store(), "GAME.BIN", image);
+  std::filesystem::remove(image);
+  run.Restore();  // fails: the record stays for the next start
+  test::WriteTestFile(image, "ABCDEFGHIJ");
+  EXPECT_EQ(RecoverInterruptedPatchRuns(m_host, Store()), 0u);
+  EXPECT_EQ(test::ReadTestFile(image), "ABCDEFGHIJ");
+  EXPECT_THAT(m_host.Texts().back(), HasSubstr("no longer holds what the emulator run wrote"));
   EXPECT_FALSE(RecordLeft());
 }
 

@@ -7,6 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "support/scoped_env.h"
 #include "support/temp_dir.h"
 
@@ -20,6 +22,14 @@ using ::testing::HasSubstr;
 using ::testing::Pair;
 
 constexpr std::string_view kKey = "HKEY_CURRENT_USER\\Software\\Test";
+
+std::vector<std::string> FolderListing(const std::filesystem::path& folder) {
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder))
+    names.push_back(entry.path().filename().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
 
 class RegistryStoreTest : public test::TempDirTest {
 protected:
@@ -150,6 +160,38 @@ TEST_F(UnusableStoreTest, TextFilesDamagedStoresOtherDatabasesAndFolders) {
   EXPECT_THAT(folder.error().message, HasSubstr("folder"));
 }
 
+// The last writes of a program that never closed the store are in its journal alone; with the
+// file cut short beside it, the store is refused and neither file is merged, changed or gone.
+TEST_F(UnusableStoreTest, ADamagedStoreKeepsItsJournalAsItWas) {
+  const auto file = PathOf("settings.sqlite3");
+  {
+    auto store = RegistryStore::Open(file);
+    ASSERT_TRUE(store);
+    for (int i = 0; i < 50; ++i)
+      ASSERT_TRUE((*store)->SetValue(kKey, fmt::format("value{}", i), std::string(3000, 'v')));
+  }
+  sqlite3* db = nullptr;
+  ASSERT_EQ(sqlite3_open(file.c_str(), &db), SQLITE_OK);
+  sqlite3_db_config(db, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  ASSERT_EQ(sqlite3_exec(db,
+                         "INSERT INTO registry_values(key_id, name, folded, data) "
+                         "SELECT id, 'late', 'late', zeroblob(5000) FROM registry_keys",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  sqlite3_close(db);
+  const auto wal = PathOf("settings.sqlite3-wal");
+  const std::string journal = ReadTestFile(wal);
+  ASSERT_FALSE(journal.empty());
+  const auto files = FolderListing(Dir());
+  for (const std::uintmax_t size : {2 * 4096, 0}) {
+    std::filesystem::resize_file(file, size);
+    ExpectRefused(file, "damaged");
+    ExpectRefused(file, "damaged");  // and again: the first look changed nothing
+    EXPECT_EQ(ReadTestFile(wal), journal);
+    EXPECT_EQ(FolderListing(Dir()), files);
+  }
+}
+
 TEST(RegistryStoreLocation, EnvironmentChoosesTheFile) {
   test::ScopedEnv home("HOME", "/home/player");
   test::ScopedEnv chosen("ROMSTEWARD_SETTINGS", std::nullopt);
@@ -163,6 +205,40 @@ TEST(RegistryStoreLocation, EnvironmentChoosesTheFile) {
   }
   test::ScopedEnv portable("ROMSTEWARD_SETTINGS", "/portable/store.db");
   EXPECT_EQ(RegistryStore::DefaultLocation(), "/portable/store.db");
+}
+
+// A store in a folder nobody may write (and itself read-only) is read as it is; a write is
+// refused with the reason, and no journal file is left beside it.
+TEST_F(RegistryStoreTest, AReadOnlyStoreInAReadOnlyFolderIsStillRead) {
+  namespace fs = std::filesystem;
+  const auto folder = PathOf("locked");
+  const auto file = folder / "settings.sqlite3";
+  ASSERT_TRUE(fs::create_directory(folder));
+  {
+    auto store = RegistryStore::Open(file);
+    ASSERT_TRUE(store);
+    ASSERT_TRUE((*store)->SetValue(kKey, "kept", "1"));
+  }
+  const fs::perms readOnly = fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
+  fs::permissions(file, readOnly);
+  // The folder locked too, then only the file.
+  for (const bool lockedFolder : {true, false}) {
+    fs::permissions(folder, lockedFolder ? readOnly | fs::perms::owner_exec |
+                                               fs::perms::group_exec | fs::perms::others_exec
+                                         : fs::perms::owner_all);
+    {
+      auto store = RegistryStore::Open(file);
+      ASSERT_TRUE(store) << store.error().message;
+      EXPECT_EQ((*store)->GetValue(kKey, "kept").value(), "1");
+      EXPECT_THAT(*(*store)->EnumerateValueNames(kKey), ElementsAre("kept"));
+      const Status refused = (*store)->SetValue(kKey, "new", "2");
+      ASSERT_FALSE(refused);
+      EXPECT_THAT(refused.error().message, HasSubstr("it is read-only"));
+    }
+    if (lockedFolder) {
+      EXPECT_THAT(FolderListing(folder), ElementsAre("settings.sqlite3"));
+    }
+  }
 }
 
 // Two copies of the program writing at once: every value of both arrives.
