@@ -2,11 +2,11 @@
 
 #include <system_error>
 
-#include "core/host/app_title.h"
-#include "core/host/host.h"
 #include "core/common/atomic_file.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
+#include "core/host/app_title.h"
+#include "core/host/host.h"
 #include "core/identify/chosen_dat.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"
@@ -112,7 +112,9 @@ void RomListForm::CreateList(Host& host, const AppSettings& settings, const RomL
   }
   auto report = BuildRomListReport(m_text, source, m_romName, tempFolder, host, dat.get());
   if (!report) {
-    host.ShowMessage(report.error().message, MessageIcon::Critical, kAppTitle);
+    // Cancel is the user's own choice: nothing to tell.
+    if (report.error().message != kReportCancelled)
+      host.ShowMessage(report.error().message, MessageIcon::Critical, kAppTitle);
     return;
   }
   if (Status written = WriteOverKeepingTail(Utf8ToPath(*output), *report); !written) {
