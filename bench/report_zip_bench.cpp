@@ -82,8 +82,9 @@ void BM_ListOfZip(benchmark::State& state) {
 }
 
 BENCHMARK(BM_ReportOfZip)
-    ->RangeMultiplier(2)
-    ->Range(1000, 4000)
+    ->Arg(1000)
+    ->Arg(2000)
+    ->Arg(4000)
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime()
     ->Complexity();

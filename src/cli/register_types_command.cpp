@@ -56,13 +56,9 @@ void RunRegisterTypes(const RegisterTypesOptions& options, ToolContext& context)
   if (options.remove) {
     context.out << "The image types are no longer registered.\n";
   } else {
-    context.out << "Images ending in";
-    for (std::size_t i = 0; i < types.size(); ++i)
-      context.out << (i == 0                  ? " ."
-                      : i + 1 == types.size() ? " and ."
-                                              : ", .")
-                  << types[i].extension;
-    context.out << " now open with " << PathToUtf8(program) << ".\n";
+    // The layouts share the desktop's one Genesis type, whichever were chosen.
+    context.out << "Genesis images (.bin, .smd, .1, .md) now open with " << PathToUtf8(program)
+                << ".\n";
   }
 }
 

@@ -140,6 +140,10 @@ TEST_F(ZipArchiveTest, VisitsMembersInOnePassEachAloneInTheFolder) {
   EXPECT_TRUE(std::filesystem::is_empty(folder));
   const std::vector<std::string> unsafe{"../m1.bin"};
   EXPECT_FALSE(VisitExtractedMembers(path, unsafe, folder, {}).ok());
+  // A file already there under a member's name is refused, not replaced or deleted.
+  test::WriteTestFile(folder / "m1.bin", "mine");
+  EXPECT_FALSE(VisitExtractedMembers(path, missing, folder, {}).ok());
+  EXPECT_EQ(test::ReadTestFile(folder / "m1.bin"), "mine");
 }
 
 TEST_F(ZipArchiveTest, NothingIsEverWrittenOutsideTheFolder) {
