@@ -18,6 +18,8 @@ InterruptGuard::InterruptGuard(Host& inner) : m_host(inner) {
   g_caught = 0;
   struct sigaction note {};
   note.sa_handler = Note;
+  // Reads under way go on; the work looks at the note at its next step.
+  note.sa_flags = SA_RESTART;
   sigemptyset(&note.sa_mask);
   for (std::size_t i = 0; i < kSignals.size(); ++i) {
     sigaction(kSignals[i], &note, &m_previous[i]);
