@@ -45,6 +45,9 @@ void RunRegisterTypes(const RegisterTypesOptions& options, ToolContext& context)
   auto report = options.remove ? RemoveFileTypes(*places) : RegisterFileTypes(*places, types);
   if (!report) {
     context.err << report.error().message << '\n';
+    // Run from a build tree, the tool has no desktop program beside it.
+    if (!options.remove && options.program.empty())
+      context.err << "Name the desktop program with --program PATH.\n";
     context.status = kExitError;
     return;
   }
@@ -53,11 +56,9 @@ void RunRegisterTypes(const RegisterTypesOptions& options, ToolContext& context)
   if (options.remove) {
     context.out << "The image types are no longer registered.\n";
   } else {
-    context.out << "Images ending in";
-    for (std::size_t i = 0; i < types.size(); ++i)
-      context.out << (i == 0 ? " ." : i + 1 == types.size() ? " and ." : ", .")
-                  << types[i].extension;
-    context.out << " now open with " << PathToUtf8(program) << ".\n";
+    // The layouts share the desktop's one Genesis type, whichever were chosen.
+    context.out << "Genesis images (.bin, .smd, .1, .md) now open with " << PathToUtf8(program)
+                << ".\n";
   }
 }
 
@@ -70,8 +71,9 @@ void AddRegisterTypesCommand(CLI::App& app, ToolContext& context) {
   command->add_flag("--remove", options->remove, "Take the registration away again");
   command->add_option("--program", options->program,
                       "The program to open images with (default: romsteward beside this tool)");
-  command->add_option("--type", options->extensions,
-                      "Only these image types: bin, smd, 1 or md (default: all four)")
+  command
+      ->add_option("--type", options->extensions,
+                   "Only these image types: bin, smd, 1 or md (default: all four)")
       ->check(CLI::IsMember({"bin", "smd", "1", "md"}));
   command->callback([options, &context] { RunRegisterTypes(*options, context); });
 }

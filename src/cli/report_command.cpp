@@ -5,13 +5,14 @@
 #include <ostream>
 #include <system_error>
 
+#include "cli/interrupt_guard.h"
 #include "cli/rom_place.h"
 #include "cli/tool.h"
-#include "core/host/app_title.h"
-#include "core/host/host.h"
 #include "core/common/atomic_file.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
+#include "core/host/app_title.h"
+#include "core/host/host.h"
 #include "core/identify/chosen_dat.h"
 #include "core/launch/temp_folder.h"
 #include "core/tools/report_generator.h"
@@ -70,8 +71,12 @@ void RunReport(const ReportOptions& options, ToolContext& context) {
     if (!loaded) return Fail(context, loaded.error().message);
     dat = std::move(*loaded);
   }
+  // A report of a big archive takes a while: an interrupt ends it with its private folder
+  // removed, then ends the tool by the same signal.
+  InterruptGuard interrupts(context.host());
   auto report =
-      BuildRomListReport(text, source, RomNameChoice::Overseas, temp, context.host(), dat.get());
+      BuildRomListReport(text, source, RomNameChoice::Overseas, temp, interrupts.host(), dat.get());
+  interrupts.End();
   if (!report) return Fail(context, report.error().message);
   if (options.output.empty() || options.output == "-") {
     context.out << *report;

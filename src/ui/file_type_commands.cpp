@@ -36,14 +36,10 @@ Result<FileTypePlaces> Places() {
 
 void RegisterFileTypesForThisProgram(QWidget* window, std::span<const FileTypeEntry> types) {
   auto places = Places();
-  std::string endings;
-  for (std::size_t i = 0; i < types.size(); ++i) {
-    endings += i == 0 ? "" : (i + 1 == types.size() ? " and " : ", ");
-    endings += "." + std::string(types[i].extension);
-  }
+  // The layouts share the desktop's one Genesis type, whichever were chosen.
   Report(window,
          places ? RegisterFileTypes(*places, types) : Result<FileTypeReport>(places.error()),
-         "Images ending in " + endings + " now open with Genesis Romsteward.");
+         "Genesis images (.bin, .smd, .1, .md) now open with Genesis Romsteward.");
 }
 
 void AddFileTypeMenu(QMenu* options, QWidget* window) {

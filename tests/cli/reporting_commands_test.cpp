@@ -3,13 +3,18 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <nlohmann/json.hpp>
 #include <set>
 
 #include "cli/tool_runner.h"
 #include "core/demo/cartridge_builder.h"
 #include "core/demo/demo_dat.h"
+#include "core/host/forwarding_host.h"
+#include "support/scripted_host.h"
 
 namespace romsteward {
 namespace {
@@ -18,6 +23,16 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using Json = nlohmann::ordered_json;
 using ::testing::StartsWith;
+
+// Sends its own process SIGTERM at the first progress report, as a kill from outside would.
+class TerminatedAtProgress : public ForwardingHost {
+public:
+  using ForwardingHost::ForwardingHost;
+  bool SetProgress(int percent) override {
+    std::raise(SIGTERM);
+    return ForwardingHost::SetProgress(percent);
+  }
+};
 
 class ReportingCommands : public test::DemoToolTest {
 protected:
@@ -157,6 +172,24 @@ TEST_F(ReportingCommands, ReportWritesAListOfDirectoriesAndArchives) {
   EXPECT_EQ(Run({"report", "--template", Path("names.rsc"), Path("demo/Pocket Pair.zip")}).out,
             "Tin Soldier (U).bin;USA\nVelvet Comet (J).smd;Japan\n");
   EXPECT_TRUE(std::filesystem::is_empty(PathOf("temp")));
+
+  // Terminated midway (here by itself, at its first progress), the report removes its
+  // folder, writes nothing, and then ends by that signal.
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    test::ScriptedHost inner;
+    TerminatedAtProgress host(inner);
+    test::RunToolWith(
+        {"--settings", StoreFile(), "report", "-o", Path("cut.txt"), Path("demo/Pocket Pair.zip")},
+        {}, &host);
+    _exit(0);
+  }
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
+  EXPECT_TRUE(std::filesystem::is_empty(PathOf("temp")));
+  EXPECT_FALSE(std::filesystem::exists(PathOf("cut.txt")));
 }
 
 TEST_F(ReportingCommands, ReportTemplateErrorsWriteNothing) {

@@ -137,5 +137,23 @@ TEST_F(SettingsCommandTest, DeletingWhatWasNeverSavedSaysSo) {
   EXPECT_THAT(clean.err, Not(HasSubstr("error")));
 }
 
+TEST_F(SettingsCommandTest, RegisterTypesRefusesAProgramThatIsNotThere) {
+  // The tests run from the build tree, where no desktop program lies beside them.
+  const test::ScopedEnv home("HOME", Path("home"));
+  const test::ScopedEnv data("XDG_DATA_HOME", Path("data"));
+  const test::ScopedEnv config("XDG_CONFIG_HOME", Path("config"));
+  for (const std::vector<std::string>& args :
+       {std::vector<std::string>{"register-types"},
+        std::vector<std::string>{"register-types", "--program", Path("nowhere/romsteward")}}) {
+    const auto run = Run(args);
+    EXPECT_EQ(run.status, cli::kExitError);
+    EXPECT_THAT(run.err, HasSubstr("cannot be registered: there is no such program."));
+    EXPECT_EQ(run.out, "");
+  }
+  EXPECT_THAT(Run({"register-types"}).err, HasSubstr("--program PATH"));
+  EXPECT_FALSE(std::filesystem::exists(PathOf("data")) ||
+               std::filesystem::exists(PathOf("config")));
+}
+
 }  // namespace
 }  // namespace romsteward

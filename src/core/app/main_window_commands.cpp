@@ -39,6 +39,11 @@ private:
 }  // namespace
 
 void MainWindowModel::Start() {
+  Start(ArchiveLibraryVersion());
+}
+
+void MainWindowModel::Start(int archiveLibraryVersion) {
+  CheckArchiveLibraryVersion(m_host, archiveLibraryVersion);
   LoadListChoices();
   const GeneralSettings general = LoadGeneralSettings(m_settings);
   m_controls["mnu_save"].checked = general.saveOnExit;

@@ -75,10 +75,12 @@ public:
   /// Reads the history from `dir0` ... `dir4` and opens `dir0` when there is one.
   void LoadDirHistory();
 
-  /// The whole start-up: the list choices and the options menu's checks, the first-run
-  /// notice when no emulator is known (`Genemnew` is not asked), then the history, which
-  /// opens `dir0`.
+  /// The whole start-up: the check of the linked archive library, the list choices and the
+  /// options menu's checks, the first-run notice when no emulator is known (`Genemnew` is
+  /// not asked), then the history, which opens `dir0`.
   void Start();
+  /// The same, as if the archive library were of `archiveLibraryVersion`.
+  void Start(int archiveLibraryVersion);
   /// Closing the window: the options when "Save Settings on E&xit" is checked, then the
   /// window's position, always. A store that cannot be written is reported.
   void Close(WindowPosition position);

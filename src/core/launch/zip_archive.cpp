@@ -4,9 +4,13 @@
 #include <archive_entry.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <system_error>
+#include <unordered_map>
 
 #include "core/common/atomic_file.h"
 #include "core/common/binary_file.h"
@@ -20,6 +24,8 @@ namespace romsteward {
 namespace {
 
 using ArchivePtr = std::unique_ptr<archive, decltype(&archive_read_free)>;
+
+std::atomic<std::uint64_t> g_archiveOpens{0};
 
 bool StartsWithBytes(const std::filesystem::path& path, std::string_view bytes) {
   std::error_code error;
@@ -36,6 +42,7 @@ Result<ArchivePtr> OpenZip(const std::filesystem::path& path) {
   // other format and no outer compression filter is ever tried on a stranger's file.
   archive_read_support_format_zip(reader.get());
   archive_read_support_format_7zip(reader.get());
+  ++g_archiveOpens;
   if (archive_read_open_filename(reader.get(), path.c_str(), 64 * 1024) != ARCHIVE_OK) {
     const char* why = archive_error_string(reader.get());
     return Error{"Cannot read the " + std::string(ArchiveFormatName(ArchiveFormatOf(path))) +
@@ -106,6 +113,19 @@ std::string MemberText(std::string_view kind, std::string_view member) {
   return "The " + std::string(kind) + " member \"" + std::string(member) + "\"";
 }
 
+std::string ArchiveText(std::string_view kind, const std::filesystem::path& path) {
+  return "The " + std::string(kind) + " archive " + PathToUtf8(path);
+}
+
+Error DamagedError(std::string_view kind, const std::filesystem::path& path, archive* reader) {
+  return Error{ArchiveText(kind, path) + " is damaged: " + ErrorText(reader)};
+}
+
+Error MissingMemberError(std::string_view kind, const std::filesystem::path& path,
+                         std::string_view member) {
+  return Error{ArchiveText(kind, path) + " holds no member \"" + std::string(member) + "\"."};
+}
+
 std::string LimitText(std::uint64_t limit) {
   return limit % (1024 * 1024) == 0 ? std::to_string(limit / (1024 * 1024)) + " MiB"
                                     : std::to_string(limit) + " bytes";
@@ -155,6 +175,32 @@ Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view ki
       !read)
     return read;
   return writer->Commit();
+}
+
+// A copy that lives only while it is visited: written straight, without the sync that makes
+// a kept file durable (a sync per member made a report of thousands of them crawl). It
+// replaces nothing: "x" refuses a file or link of its name, so nothing is written through
+// a link planted there. A failure removes what it wrote.
+Status ExtractTransient(archive* reader, archive_entry* entry, std::string_view kind,
+                        std::string_view member, const std::filesystem::path& target,
+                        std::uint64_t sizeLimit) {
+  const auto cannot = [&target](std::string_view doing) {
+    return Error{"Cannot " + std::string(doing) + " " + PathToUtf8(target) + ": " +
+                 std::error_code(errno, std::generic_category()).message()};
+  };
+  std::FILE* file = std::fopen(target.c_str(), "wbx");
+  if (file == nullptr) return cannot("create");
+  Status read =
+      ReadCurrent(reader, entry, kind, member, sizeLimit, [&](std::string_view data) -> Status {
+        if (std::fwrite(data.data(), 1, data.size(), file) != data.size()) return cannot("write");
+        return {};
+      });
+  if (std::fclose(file) != 0 && read) read = cannot("write");
+  if (!read) {
+    std::error_code ignored;
+    std::filesystem::remove(target, ignored);
+  }
+  return read;
 }
 
 }  // namespace
@@ -214,9 +260,7 @@ Status ReadZipMembers(const std::filesystem::path& path, std::string_view masks,
   while (true) {
     const int status = archive_read_next_header(reader->get(), &entry);
     if (status == ARCHIVE_EOF) return {};
-    if (status < ARCHIVE_WARN)
-      return Error{"The " + kind + " archive " + PathToUtf8(path) +
-                   " is damaged: " + ErrorText(reader->get())};
+    if (status < ARCHIVE_WARN) return DamagedError(kind, path, reader->get());
     const std::string name = MemberName(entry);
     if (archive_entry_filetype(entry) != AE_IFREG || IsLink(entry) || name.empty() ||
         name.back() == '/' || !MatchesAnyMask(name, masks))
@@ -276,9 +320,7 @@ Result<std::vector<std::filesystem::path>> ExtractZipMembers(const std::filesyst
   while (remaining > 0) {
     const int status = archive_read_next_header(reader->get(), &entry);
     if (status == ARCHIVE_EOF) break;
-    if (status < ARCHIVE_WARN)
-      return fail(Error{"The " + kind + " archive " + PathToUtf8(path) +
-                        " is damaged: " + ErrorText(reader->get())});
+    if (status < ARCHIVE_WARN) return fail(DamagedError(kind, path, reader->get()));
     const std::string name = MemberName(entry);
     for (std::size_t i = 0; i < members.size(); ++i) {
       if (done[i] || members[i] != name) continue;
@@ -306,9 +348,7 @@ Result<std::vector<std::filesystem::path>> ExtractZipMembers(const std::filesyst
     }
   }
   for (std::size_t i = 0; i < members.size(); ++i) {
-    if (!done[i])
-      return fail(Error{"The " + kind + " archive " + PathToUtf8(path) + " holds no member \"" +
-                        members[i] + "\"."});
+    if (!done[i]) return fail(MissingMemberError(kind, path, members[i]));
   }
   return extracted;
 }
@@ -321,6 +361,59 @@ Result<std::filesystem::path> ExtractZipMember(const std::filesystem::path& arch
   auto extracted = ExtractZipMembers(archive, names, folder, sizeLimit);
   if (!extracted) return extracted.error();
   return std::move(extracted->front());
+}
+
+Status VisitExtractedMembers(
+    const std::filesystem::path& path, std::span<const std::string> members,
+    const std::filesystem::path& folder,
+    const std::function<Status(std::size_t, const std::filesystem::path&)>& visit,
+    std::uint64_t sizeLimit) {
+  const std::string kind(ArchiveFormatName(ArchiveFormatOf(path)));
+  // Each header is looked up by name, so the pass costs the same for any number of members.
+  std::unordered_map<std::string, std::vector<std::size_t>> wanted;
+  for (std::size_t i = 0; i < members.size(); ++i) {
+    if (std::string why = UnsafeMemberNameReason(members[i]); !why.empty())
+      return Error{MemberText(kind, members[i]) + " is refused: " + why + "."};
+    wanted[members[i]].push_back(i);
+  }
+  std::error_code error;
+  if (!std::filesystem::is_directory(folder, error))
+    return Error{"Cannot extract into " + PathToUtf8(folder) + ": it is no folder"};
+
+  auto reader = OpenZip(path);
+  if (!reader) return reader.error();
+  archive_entry* entry = nullptr;
+  while (!wanted.empty()) {
+    const int status = archive_read_next_header(reader->get(), &entry);
+    if (status == ARCHIVE_EOF) break;
+    if (status < ARCHIVE_WARN) return DamagedError(kind, path, reader->get());
+    // Only the first member of a name counts, as for ExtractZipMembers.
+    const auto found = wanted.find(MemberName(entry));
+    if (found == wanted.end()) continue;
+    const std::string& name = found->first;
+    if (IsLink(entry) || archive_entry_filetype(entry) != AE_IFREG)
+      return Error{MemberText(kind, name) + " is refused: it is a link or no file."};
+    auto target = PrepareTarget(folder, name);
+    if (!target) return target.error();
+    if (Status written = ExtractTransient(reader->get(), entry, kind, name, *target, sizeLimit);
+        !written)
+      return written;
+    Status done;
+    for (std::size_t i = 0; done && i < found->second.size(); ++i)
+      done = visit(found->second[i], *target);
+    Status removed = RemoveExtractedMember(folder, name);
+    if (!done) return done;
+    if (!removed) return removed;
+    wanted.erase(found);
+  }
+  for (const std::string& member : members) {
+    if (wanted.contains(member)) return MissingMemberError(kind, path, member);
+  }
+  return {};
+}
+
+std::uint64_t ArchiveOpenCount() {
+  return g_archiveOpens.load();
 }
 
 Status RemoveExtractedMember(const std::filesystem::path& folder, std::string_view member) {
@@ -350,8 +443,12 @@ bool IsArchiveLibraryVersionAcceptable(int versionNumber) {
   return versionNumber >= kMinimumArchiveLibraryVersion;
 }
 
+int ArchiveLibraryVersion() {
+  return archive_version_number();
+}
+
 void CheckArchiveLibraryVersion(Host& host) {
-  CheckArchiveLibraryVersion(host, archive_version_number());
+  CheckArchiveLibraryVersion(host, ArchiveLibraryVersion());
 }
 
 void CheckArchiveLibraryVersion(Host& host, int versionNumber) {

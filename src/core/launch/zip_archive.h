@@ -88,6 +88,24 @@ Result<std::filesystem::path> ExtractZipMember(const std::filesystem::path& arch
                                                const std::filesystem::path& folder,
                                                std::uint64_t sizeLimit = kMaxZipMemberSize);
 
+/// Extracts the members named in `members` into `folder` (which must exist) in one pass
+/// through the archive, one at a time in archive order: each is handed to `visit` with its
+/// index in `members` (once per index when named twice) and its path, and deleted again
+/// when `visit` returns, so the folder never holds more than one of them. The copies are
+/// not synced to disk, and a file already in the folder under a member's name is refused,
+/// never replaced. Stops at the first member that cannot be extracted (for the reasons
+/// ExtractZipMembers gives), at one the archive does not hold, and at an error `visit`
+/// returns.
+Status VisitExtractedMembers(
+    const std::filesystem::path& archive, std::span<const std::string> members,
+    const std::filesystem::path& folder,
+    const std::function<Status(std::size_t, const std::filesystem::path&)>& visit,
+    std::uint64_t sizeLimit = kMaxZipMemberSize);
+
+/// How many times this process has opened an archive: work that reads a whole archive
+/// opens it once, whatever its number of members.
+std::uint64_t ArchiveOpenCount();
+
 /// Deletes a member extracted into `folder`, and the folders its name created below
 /// `folder` when they are left empty.
 Status RemoveExtractedMember(const std::filesystem::path& folder, std::string_view member);
@@ -95,6 +113,8 @@ Status RemoveExtractedMember(const std::filesystem::path& folder, std::string_vi
 /// Whether the archive library of `versionNumber` (archive_version_number()) is recent
 /// enough.
 bool IsArchiveLibraryVersionAcceptable(int versionNumber);
+/// The version of the linked archive library, as archive_version_number() gives it.
+int ArchiveLibraryVersion();
 /// The start-up check of the linked archive library: tells the user when it is outdated.
 void CheckArchiveLibraryVersion(Host& host);
 void CheckArchiveLibraryVersion(Host& host, int versionNumber);

@@ -1,6 +1,7 @@
 #include "core/settings/file_types.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -18,41 +19,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Our own MIME types, so that registering never changes what the system says about other
-// files; "*.md" is shared with Markdown, where the database's content rules decide.
+// The system's own type for every layout: registering must not change what the desktop says
+// about any other file, and every extension but "bin" is claimed by name already (manual
+// pages, Markdown, StarMail), so the images are told apart by their headers alone.
 constexpr std::array<FileTypeEntry, 4> kFileTypes{{
-    {"mnu_regbin", "Super Magic Drive &Binary (BIN)", "Genesis ROM (binary)", "bin",
-     "application/x-romsteward-bin"},
-    {"mnu_regsmd", "Super Magic Drive &Interleaved (SMD)", "Genesis ROM (interleaved)", "smd",
-     "application/x-romsteward-smd"},
-    {"mnu_regsplit", "Super Magic Drive &Splitted (1)", "Genesis ROM (splitted)", "1",
-     "application/x-romsteward-split"},
-    {"mnu_regmd", "Multi &Game Doctor (MD)", "Genesis ROM (game doctor)", "md",
-     "application/x-romsteward-md"},
+    {"mnu_regbin", "Super Magic Drive &Binary (BIN)", "bin", kGenesisRomType},
+    {"mnu_regsmd", "Super Magic Drive &Interleaved (SMD)", "smd", kGenesisRomType},
+    {"mnu_regsplit", "Super Magic Drive &Splitted (1)", "1", kGenesisRomType},
+    {"mnu_regmd", "Multi &Game Doctor (MD)", "md", kGenesisRomType},
 }};
 
-std::string XmlEscaped(std::string_view text) {
-  std::string out;
-  for (char c : text) {
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      default:
-        out += c;
-    }
-  }
-  return out;
-}
+// Where the odd letters of "SEGA GENESIS" and "SEGA MEGA DRIVE" land: 0x280 in the SMD
+// layouts (the split first volume included), 0x80 in the game doctor's.
+constexpr std::array<std::pair<std::string_view, int>, 4> kHeaderMagic{{
+    {"EAGN", 0x280},
+    {"EAMG", 0x280},
+    {"EAGN", 0x80},
+    {"EAMG", 0x80},
+}};
+
+// Shared-mime-info asks rules of priority 80 and above before the file name.
+constexpr int kMagicPriority = 80;
 
 // The Exec key's quoting: the path in double quotes with the reserved characters escaped,
 // then the backslashes of the whole value doubled as every desktop-entry string's are.
@@ -119,7 +106,25 @@ Status RemoveFile(const fs::path& path) {
   return FileSystemStatus("delete", path, error);
 }
 
-// Drops the defaults naming our types from mimeapps.list, which xdg-mime cannot undo.
+// The line of mimeapps.list without the program: empty when nothing else is left of it.
+// Lines of the types older versions declared are dropped whole.
+std::string WithoutProgram(std::string_view line) {
+  if (line.starts_with("application/x-romsteward-")) return {};
+  const auto equals = line.find('=');
+  if (equals == std::string_view::npos || line.substr(0, equals) != kGenesisRomType)
+    return std::string(line);
+  std::string kept;
+  std::string_view rest = line.substr(equals + 1);
+  while (!rest.empty()) {
+    const auto end = rest.find(';');
+    const std::string_view name = rest.substr(0, end);
+    rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
+    if (!name.empty() && name != kDesktopFileName) kept.append(name).append(";");
+  }
+  return kept.empty() ? std::string() : std::string(line.substr(0, equals + 1)) + kept;
+}
+
+// Takes the program out of mimeapps.list's lists, which xdg-mime cannot undo.
 Status ForgetDefaults(const FileTypePlaces& places) {
   const fs::path list = places.configHome / "mimeapps.list";
   std::error_code error;
@@ -132,14 +137,9 @@ Status ForgetDefaults(const FileTypePlaces& places) {
     const auto end = rest.find('\n');
     const std::string_view line = rest.substr(0, end);
     rest = end == std::string_view::npos ? std::string_view{} : rest.substr(end + 1);
-    const bool ours = std::any_of(kFileTypes.begin(), kFileTypes.end(), [&](const auto& type) {
-      return line.starts_with(std::string(type.mimeType) + "=");
-    });
-    if (ours) {
-      changed = true;
-    } else {
-      kept.append(line).append("\n");
-    }
+    const std::string left = WithoutProgram(line);
+    changed = changed || left != line;
+    if (!left.empty() || line.empty()) kept.append(left).append("\n");
   }
   return changed ? WriteFileAtomically(list, kept) : Status{};
 }
@@ -167,18 +167,19 @@ Result<FileTypePlaces> DefaultFileTypePlaces(const fs::path& program) {
 }
 
 std::string MimePackageXml() {
-  std::string xml =
+  std::string xml = fmt::format(
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-      "<mime-info xmlns=\"http://www.freedesktop.org/standards/shared-mime-info\">\n";
-  for (const auto& type : kFileTypes) {
-    xml += fmt::format(
-        "  <mime-type type=\"{}\">\n"
-        "    <comment>{}</comment>\n"
-        "    <glob pattern=\"*.{}\"/>\n"
-        "  </mime-type>\n",
-        type.mimeType, XmlEscaped(type.description), XmlEscaped(type.extension));
-  }
-  return xml + "</mime-info>\n";
+      "<mime-info xmlns=\"http://www.freedesktop.org/standards/shared-mime-info\">\n"
+      "  <mime-type type=\"{}\">\n"
+      "    <magic priority=\"{}\">\n",
+      kGenesisRomType, kMagicPriority);
+  for (const auto& [value, offset] : kHeaderMagic)
+    xml +=
+        fmt::format("      <match type=\"string\" value=\"{}\" offset=\"{}\"/>\n", value, offset);
+  return xml +
+         "    </magic>\n"
+         "  </mime-type>\n"
+         "</mime-info>\n";
 }
 
 Result<std::string> DesktopEntry(const fs::path& program) {
@@ -189,9 +190,6 @@ Result<std::string> DesktopEntry(const fs::path& program) {
                     "and on one line.",
                     EscapeForDisplay(path))};
   }
-  std::string types;
-  for (const auto& type : kFileTypes)
-    types += fmt::format("{};", type.mimeType);
   return fmt::format(
       "[Desktop Entry]\n"
       "Type=Application\n"
@@ -200,8 +198,8 @@ Result<std::string> DesktopEntry(const fs::path& program) {
       "Exec={} %f\n"
       "Terminal=false\n"
       "NoDisplay=true\n"
-      "MimeType={}\n",
-      ExecQuoted(path), types);
+      "MimeType={};\n",
+      ExecQuoted(path), kGenesisRomType);
 }
 
 const FileTypeEntry* FindFileType(std::string_view extension) {
@@ -214,6 +212,11 @@ Result<FileTypeReport> RegisterFileTypes(const FileTypePlaces& places,
                                          std::span<const FileTypeEntry> types) {
   auto entry = DesktopEntry(places.program);
   if (!entry) return entry.error();
+  std::error_code missing;
+  if (!fs::is_regular_file(places.program, missing) || access(places.program.c_str(), X_OK) != 0) {
+    return Error{fmt::format("The program {} cannot be registered: there is no such program.",
+                             EscapeForDisplay(PathToUtf8(places.program)))};
+  }
   for (const fs::path& folder :
        {DesktopPath(places).parent_path(), PackagePath(places).parent_path()}) {
     if (Status made = CreateFolder(folder); !made) return made.error();
@@ -227,8 +230,10 @@ Result<FileTypeReport> RegisterFileTypes(const FileTypePlaces& places,
   FileTypeReport report;
   UpdateMimeDatabase(places, report);
   std::vector<std::string> arguments{"default", std::string(kDesktopFileName)};
-  for (const auto& type : types)
-    arguments.emplace_back(type.mimeType);
+  for (const auto& type : types) {
+    if (std::find(arguments.begin(), arguments.end(), type.mimeType) == arguments.end())
+      arguments.emplace_back(type.mimeType);
+  }
   if (Status made = CreateFolder(places.configHome); !made) return made.error();
   RunTool(places, "xdg-mime", std::move(arguments), report);
   return report;

@@ -10,12 +10,16 @@
 
 namespace romsteward {
 
+/// The type the shared MIME database already gives Genesis images, by their headers.
+inline constexpr std::string_view kGenesisRomType = "application/x-genesis-rom";
+
 /// One image type the desktop can be told to open with the program.
 struct FileTypeEntry {
-  std::string_view control;      ///< the menu item's name
-  std::string_view caption;      ///< its caption
-  std::string_view description;  ///< the type's comment in the MIME database
-  std::string_view extension;    ///< registered as the glob "*.<extension>"
+  std::string_view control;    ///< the menu item's name
+  std::string_view caption;    ///< its caption
+  std::string_view extension;  ///< the file names' extension, as `--type` takes it
+  /// The type the desktop knows such images by: kGenesisRomType for every layout, so
+  /// choosing any of them makes the program the opener of all four.
   std::string_view mimeType;
 };
 
@@ -35,7 +39,9 @@ Result<FileTypePlaces> DefaultFileTypePlaces(const std::filesystem::path& progra
 inline constexpr std::string_view kDesktopFileName = "romsteward.desktop";
 inline constexpr std::string_view kMimePackageFileName = "romsteward.xml";
 
-/// The shared-mime-info package declaring the four types.
+/// The shared-mime-info package that adds to kGenesisRomType what the system's database
+/// misses: the game doctor layout's header, and header rules strong enough to be asked
+/// before a file's name. It declares no file-name pattern, so no other file changes type.
 std::string MimePackageXml();
 /// The desktop entry that opens those types with `program`; an Error for a path a desktop
 /// entry cannot hold (a line break).
@@ -47,16 +53,17 @@ struct FileTypeReport {
   std::vector<std::string> notes;
 };
 
-/// Writes the desktop entry and the MIME package (always all four types, so the program is
-/// offered for each), then runs update-mime-database and makes the program the default for
-/// `types` with `xdg-mime default` where installed. Registering again writes the same files;
-/// defaults set earlier for other types stay.
+/// Writes the desktop entry and the MIME package, then runs update-mime-database and makes
+/// the program the default for the types of `types` with `xdg-mime default` where
+/// installed. Refuses a program that does not exist or cannot be run. Registering again
+/// writes the same files; defaults set earlier for other types stay.
 Result<FileTypeReport> RegisterFileTypes(const FileTypePlaces& places,
                                          std::span<const FileTypeEntry> types = FileTypes());
 /// The type registered for `extension` ("bin", "smd", "1", "md"), if any.
 const FileTypeEntry* FindFileType(std::string_view extension);
-/// Deletes both files, takes the program out of mimeapps.list's defaults and brings the MIME
-/// database up to date. Nothing registered is not an error.
+/// Deletes both files, takes the program out of mimeapps.list (other programs named there
+/// for the same type stay) and brings the MIME database up to date. Nothing registered is
+/// not an error.
 Result<FileTypeReport> RemoveFileTypes(const FileTypePlaces& places);
 
 }  // namespace romsteward

@@ -115,7 +115,9 @@ void RomListForm::CreateList(Host& host, const AppSettings& settings, const RomL
   }
   auto report = BuildRomListReport(m_text, source, m_romName, tempFolder, host, dat.get());
   if (!report) {
-    host.ShowMessage(report.error().message, MessageIcon::Critical, kAppTitle);
+    // Cancel is the user's own choice: nothing to tell.
+    if (report.error().message != kReportCancelled)
+      host.ShowMessage(report.error().message, MessageIcon::Critical, kAppTitle);
     return;
   }
   if (Status written = WriteOverKeepingTail(Utf8ToPath(*output), *report); !written) {

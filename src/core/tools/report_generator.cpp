@@ -2,54 +2,22 @@
 
 #include <fmt/format.h>
 
-#include <random>
 #include <system_error>
 
-#include "core/host/host.h"
 #include "core/cart/detect.h"
 #include "core/cart/header.h"
 #include "core/cart/split_set.h"
 #include "core/common/strings.h"
+#include "core/host/host.h"
 #include "core/identify/chosen_dat.h"
 #include "core/launch/zip_archive.h"
+#include "core/tools/report_folder.h"
 
 namespace romsteward {
 
 namespace {
 
 constexpr std::uint64_t kBytesPerMegabit = 131072;
-
-// A folder of our own inside the temporary folder: extracting there can never replace a
-// file the user keeps in the temporary folder, and removing it removes every copy made.
-class PrivateFolder {
-public:
-  static Result<PrivateFolder> CreateIn(const std::filesystem::path& parent) {
-    std::random_device entropy;
-    for (int attempt = 0; attempt < 16; ++attempt) {
-      std::filesystem::path folder = parent / fmt::format("romsteward-report-{:08x}", entropy());
-      std::error_code error;
-      if (std::filesystem::create_directory(folder, error)) return PrivateFolder(folder);
-      if (error)
-        return Error{"Cannot create a folder in " + PathToUtf8(parent) + ": " + error.message()};
-    }
-    return Error{"Cannot create a folder in " + PathToUtf8(parent)};
-  }
-  PrivateFolder(PrivateFolder&& other) noexcept : m_path(std::move(other.m_path)) {
-    other.m_path.clear();
-  }
-  PrivateFolder(const PrivateFolder&) = delete;
-  PrivateFolder& operator=(const PrivateFolder&) = delete;
-  PrivateFolder& operator=(PrivateFolder&&) = delete;
-  ~PrivateFolder() {
-    std::error_code ignored;
-    if (!m_path.empty()) std::filesystem::remove_all(m_path, ignored);
-  }
-  const std::filesystem::path& Path() const { return m_path; }
-
-private:
-  explicit PrivateFolder(std::filesystem::path path) : m_path(std::move(path)) {}
-  std::filesystem::path m_path;
-};
 
 std::string SizeText(const BinaryFile& file, const std::filesystem::path& path, Layout layout) {
   if (layout == Layout::SplitFirst) {
@@ -112,54 +80,58 @@ Result<std::string> BuildRomListReport(std::string_view templateText, const RomL
   if (!pieces) return pieces.error();
   const ReportFieldNeeds needs = FieldNeedsOf(templateText);
 
-  std::optional<PrivateFolder> extractTo;
-  if (source.zip) {
-    auto folder = PrivateFolder::CreateIn(tempFolder);
-    if (!folder) return folder.error();
-    extractTo.emplace(std::move(*folder));
-  }
-
-  std::vector<ReportRecord> records;
+  // Records by list position: archive members come in archive order, the report keeps the
+  // list's.
+  std::vector<std::optional<ReportRecord>> records(source.entries.size());
+  std::size_t visited = 0;
+  const auto readRecord = [&](std::size_t index, const std::filesystem::path& path) -> Status {
+    auto file = BinaryFile::Open(path);
+    if (!file) return file.error();
+    const std::string& entry = source.entries[index];
+    records[index] = ReadReportRecord(*file, path, entry, needs, romName);
+    if (records[index] && dat != nullptr &&
+        needs.wanted[static_cast<std::size_t>(Placeholder::DatName)])
+      (*records[index])[Placeholder::DatName] = dat->NameOf(path);
+    // A cancelled progress (or an interrupted terminal tool) stops here, and the private
+    // folder goes with the unwinding.
+    if (!host.SetProgress(static_cast<int>(++visited * 100 / source.entries.size())))
+      return Error{std::string(kReportCancelled)};
+    return {};
+  };
   {
     ScopedProgress progress(host, "Creating the ROM list");
-    for (std::size_t i = 0; i < source.entries.size(); ++i) {
-      const std::string& entry = source.entries[i];
-      std::filesystem::path path;
-      if (source.zip) {
-        auto extracted = ExtractZipMember(Utf8ToPath(source.place), entry, extractTo->Path());
-        if (!extracted) return extracted.error();
-        path = std::move(*extracted);
-      } else {
-        path = Utf8ToPath(JoinDirName(source.place, entry));
+    if (source.zip) {
+      auto folder = ReportFolder::CreateIn(tempFolder);
+      if (!folder) return folder.error();
+      // One pass through the archive, whatever its number of members.
+      if (Status read = VisitExtractedMembers(Utf8ToPath(source.place), source.entries,
+                                              folder->Path(), readRecord);
+          !read)
+        return read.error();
+    } else {
+      for (std::size_t i = 0; i < source.entries.size(); ++i) {
+        if (Status read = readRecord(i, Utf8ToPath(JoinDirName(source.place, source.entries[i])));
+            !read)
+          return read.error();
       }
-      {
-        auto file = BinaryFile::Open(path);
-        if (!file) return file.error();
-        if (auto record = ReadReportRecord(*file, path, entry, needs, romName)) {
-          if (dat != nullptr && needs.wanted[static_cast<std::size_t>(Placeholder::DatName)])
-            (*record)[Placeholder::DatName] = dat->NameOf(path);
-          records.push_back(std::move(*record));
-        }
-      }
-      if (source.zip) {
-        if (Status removed = RemoveExtractedMember(extractTo->Path(), entry); !removed)
-          return removed.error();
-      }
-      host.SetProgress(static_cast<int>((i + 1) * 100 / source.entries.size()));
     }
   }
 
   const ExpandableText header(pieces->header);
   const ExpandableText block(pieces->block);
   const ExpandableText footer(pieces->footer);
-  const ReportRecord first = records.empty() ? ReportRecord{} : records.front();
+  std::vector<ReportRecord> kept;
+  for (auto& record : records) {
+    if (record) kept.push_back(std::move(*record));
+  }
+  const ReportRecord first = kept.empty() ? ReportRecord{} : kept.front();
   std::string report = header.Expand(first, 0, 0);
   std::int64_t total = 0;
-  for (std::size_t k = 0; k < records.size(); ++k) {
-    total += LeadingNumber(records[k][Placeholder::RomSize]);
-    report += block.Expand(records[k], static_cast<std::int64_t>(k + 1), total);
+  for (std::size_t k = 0; k < kept.size(); ++k) {
+    total += LeadingNumber(kept[k][Placeholder::RomSize]);
+    report += block.Expand(kept[k], static_cast<std::int64_t>(k + 1), total);
   }
-  report += footer.Expand(first, static_cast<std::int64_t>(records.size()), total);
+  report += footer.Expand(first, static_cast<std::int64_t>(kept.size()), total);
   return report;
 }
 

@@ -41,10 +41,14 @@ std::optional<ReportRecord> ReadReportRecord(const BinaryFile& file,
                                              std::string_view listedName,
                                              const ReportFieldNeeds& needs, RomNameChoice romName);
 
+/// Why a report stopped when the host's progress asked to cancel.
+inline constexpr std::string_view kReportCancelled = "The ROM list was cancelled.";
+
 /// The whole report of `source` made from `templateText`, which must hold both markers.
-/// Archive members are extracted one at a time into a private folder made inside
-/// `tempFolder` and deleted with it. Progress goes to the host. An image that cannot be read
-/// or extracted ends the report with a message naming it; nothing is written here.
+/// Archive members are extracted one at a time, in one pass through the archive, into a
+/// private folder made inside `tempFolder` (see ReportFolder) and deleted with it. Progress
+/// goes to the host, whose cancel ends the report with kReportCancelled. An image that cannot
+/// be read or extracted ends the report with a message naming it; nothing is written here.
 /// "%datname%" is looked up in `dat` (empty without one).
 Result<std::string> BuildRomListReport(std::string_view templateText, const RomListSource& source,
                                        RomNameChoice romName,

@@ -209,5 +209,23 @@ TEST_F(MainWindowCommandsTest, RestoreCrcIsOfferedExactlyWhileAChecksumIsKept) {
   EXPECT_FALSE(model.Controls()["mnu_getcrc"].enabled);
 }
 
+TEST_F(MainWindowCommandsTest, StartUpWarnsOnceOfAnOutdatedArchiveLibraryAndGoesOn) {
+  const std::string dir = Collection();
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "dir0", dir));
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "KGen", "/games/kgen.exe"));
+  model.Start(kMinimumArchiveLibraryVersion - 1);
+  ASSERT_EQ(host.Events().size(), 1u);
+  EXPECT_EQ(host.Events()[0].text,
+            "The unzipping dlls found in your system are outdated. Get the latest version in "
+            "info-ZIP or Romsteward's homepage (read docs)");
+  EXPECT_EQ(host.Events()[0].icon, MessageIcon::Exclamation);
+  EXPECT_EQ(model.Diret(), dir);
+
+  // The library this program is linked with passes.
+  MainWindowModel linked(host, settings);
+  linked.Start();
+  EXPECT_EQ(host.Events().size(), 1u);
+}
+
 }  // namespace
 }  // namespace romsteward

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/common/strings.h"
 #include "core/demo/demo_collection.h"
 #include "support/scripted_host.h"
 #include "support/temp_dir.h"
@@ -82,6 +83,67 @@ TEST_F(ZipArchiveTest, ExtractsMembersWholeAndRemovesThemAgain) {
   EXPECT_FALSE(std::filesystem::exists(folder / "sub"));  // emptied folders go too
   EXPECT_TRUE(std::filesystem::exists(folder / "top.bin"));
   EXPECT_THAT(ExtractZipMember(path, "other.bin", folder).error().message, HasSubstr("other.bin"));
+}
+
+TEST_F(ZipArchiveTest, VisitsMembersInOnePassEachAloneInTheFolder) {
+  // Enough members that reopening the archive per member would show in the count.
+  std::vector<std::pair<std::string, std::string>> members;
+  for (int i = 0; i < 2000; ++i)
+    members.emplace_back("m" + std::to_string(i) + ".bin", std::to_string(i));
+  members.emplace_back("sub/last.bin", "last");
+  const auto path = Archive(Zip(members));
+  // Asked in the reverse of the archive's order, one twice.
+  std::vector<std::string> wanted{"sub/last.bin"};
+  for (int i = 1999; i >= 0; --i)
+    wanted.push_back(members[static_cast<std::size_t>(i)].first);
+  wanted.push_back("m7.bin");
+
+  std::vector<std::size_t> order;
+  bool alone = true;
+  const auto opens = ArchiveOpenCount();
+  Status visited = VisitExtractedMembers(
+      path, wanted, folder, [&](std::size_t index, const std::filesystem::path& file) {
+        EXPECT_EQ(file, folder / Utf8ToPath(wanted[index]));
+        alone = alone && std::distance(std::filesystem::recursive_directory_iterator(folder), {}) ==
+                             (index == 0 ? 2 : 1);
+        order.push_back(index);
+        return Status{};
+      });
+  ASSERT_TRUE(visited.ok()) << visited.error().message;
+  EXPECT_EQ(ArchiveOpenCount() - opens, 1u);
+  EXPECT_TRUE(alone);
+  ASSERT_EQ(order.size(), wanted.size());
+  EXPECT_EQ(order.front(), 2000u);  // archive order: m0.bin first, asked second to last
+  EXPECT_EQ(order[7], 1993u);
+  EXPECT_EQ(order[8], 2001u);  // the second ask of m7.bin, on the same extraction
+  EXPECT_EQ(order.back(), 0u);
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+
+  // A missing member, or an error of the visit, ends it with nothing left in the folder.
+  const std::vector<std::string> missing{"m1.bin", "none.bin"};
+  EXPECT_THAT(
+      VisitExtractedMembers(path, missing, folder,
+                            [](std::size_t, const std::filesystem::path&) { return Status{}; })
+          .error()
+          .message,
+      HasSubstr("holds no member \"none.bin\""));
+  int visits = 0;
+  EXPECT_EQ(VisitExtractedMembers(path, wanted, folder,
+                                  [&visits](std::size_t, const std::filesystem::path&) {
+                                    ++visits;
+                                    return Status{Error{"stop"}};
+                                  })
+                .error()
+                .message,
+            "stop");
+  EXPECT_EQ(visits, 1);
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+  const std::vector<std::string> unsafe{"../m1.bin"};
+  EXPECT_FALSE(VisitExtractedMembers(path, unsafe, folder, {}).ok());
+  // A file already there under a member's name is refused, not replaced or deleted.
+  test::WriteTestFile(folder / "m1.bin", "mine");
+  EXPECT_FALSE(VisitExtractedMembers(path, missing, folder, {}).ok());
+  EXPECT_EQ(test::ReadTestFile(folder / "m1.bin"), "mine");
 }
 
 TEST_F(ZipArchiveTest, NothingIsEverWrittenOutsideTheFolder) {

@@ -2,12 +2,15 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "core/cart/convert.h"
 #include "core/common/strings.h"
+#include "core/demo/cartridge_builder.h"
 #include "support/scoped_env.h"
 #include "support/temp_dir.h"
 
@@ -17,6 +20,7 @@ namespace romsteward {
 namespace {
 
 using test::ReadTestFile;
+using ::testing::HasSubstr;
 
 bool Installed(const char* program) {
   const std::string path = std::string("/usr/bin/") + program;
@@ -47,8 +51,14 @@ std::string QueryFileType(const std::filesystem::path& dataHome, const std::file
 
 class FileTypesTest : public test::TempDirTest {
 protected:
+  FileTypesTest() {
+    std::filesystem::create_directories(PathOf("rom steward"));
+    test::WriteTestFile(PathOf("rom steward/romsteward"), "#!/bin/sh\n");
+    std::filesystem::permissions(PathOf("rom steward/romsteward"),
+                                 std::filesystem::perms::owner_all);
+  }
   FileTypePlaces Places() const {
-    return {PathOf("data"), PathOf("config"), "/opt/rom steward/bin/romsteward"};
+    return {PathOf("data"), PathOf("config"), PathOf("rom steward/romsteward")};
   }
   std::filesystem::path DesktopFile() const {
     return PathOf("data") / "applications" / kDesktopFileName;
@@ -58,84 +68,102 @@ protected:
   }
 };
 
-TEST(FileTypes, FourTypesWithTheirGlobsAndAQuotedCommand) {
-  const std::string xml = MimePackageXml();
-  for (const auto& type : FileTypes()) {
-    EXPECT_NE(xml.find(fmt::format("<mime-type type=\"{}\">\n    <comment>{}</comment>\n"
-                                   "    <glob pattern=\"*.{}\"/>",
-                                   type.mimeType, type.description, type.extension)),
-              std::string::npos)
-        << type.extension;
-  }
-  // Only the first volume of a split set.
-  EXPECT_EQ(xml.find("*.2"), std::string::npos);
+TEST(FileTypes, OneSystemTypeKnownByItsHeadersAndAQuotedCommand) {
+  for (const auto& type : FileTypes())
+    EXPECT_EQ(type.mimeType, kGenesisRomType) << type.extension;
+  // No file-name pattern at all: names decide nothing for other files.
+  EXPECT_EQ(MimePackageXml().find("glob"), std::string::npos);
 
   auto entry = DesktopEntry("/opt/a \"b\" $c\\d%e/romsteward");
   ASSERT_TRUE(entry.ok());
   EXPECT_NE(entry->find("Exec=\"/opt/a \\\\\"b\\\\\" \\\\$c\\\\\\\\d%%e/romsteward\" %f\n"),
             std::string::npos)
       << *entry;
-  EXPECT_NE(entry->find("MimeType=application/x-romsteward-bin;application/x-romsteward-smd;"
-                        "application/x-romsteward-split;application/x-romsteward-md;\n"),
-            std::string::npos);
+  EXPECT_NE(entry->find("MimeType=application/x-genesis-rom;\n"), std::string::npos);
   EXPECT_FALSE(DesktopEntry("/a\nb/romsteward").ok());
   EXPECT_FALSE(DesktopEntry("romsteward").ok());
 }
 
-TEST_F(FileTypesTest, RegisterTwiceThenRemove) {
-  // One type first: the files still declare all four, only the default differs.
+TEST_F(FileTypesTest, RegisterTwiceThenRemoveOnlyWhatIsOurs) {
+  // A program that is not there (the tool run from a build tree) is refused before anything.
+  FileTypePlaces nowhere = Places();
+  nowhere.program = PathOf("build/romsteward");
+  EXPECT_THAT(RegisterFileTypes(nowhere).error().message, HasSubstr("there is no such program"));
+  EXPECT_FALSE(std::filesystem::exists(PathOf("data")) ||
+               std::filesystem::exists(PathOf("config")));
+
   const FileTypeEntry* smd = FindFileType("smd");
   ASSERT_NE(smd, nullptr);
   EXPECT_EQ(FindFileType("2"), nullptr);
   auto first = RegisterFileTypes(Places(), std::span<const FileTypeEntry>(smd, 1));
   ASSERT_TRUE(first.ok()) << first.error().message;
-  if (Installed("xdg-mime")) {
-    const std::string defaults = ReadTestFile(PathOf("config") / "mimeapps.list");
-    EXPECT_EQ(defaults.find("application/x-romsteward-bin"), std::string::npos) << defaults;
-  }
   const std::string desktop = ReadTestFile(DesktopFile());
-  const std::string package = ReadTestFile(Package());
-  EXPECT_EQ(package, MimePackageXml());
-
+  EXPECT_EQ(ReadTestFile(Package()), MimePackageXml());
   auto second = RegisterFileTypes(Places());
   ASSERT_TRUE(second.ok());
   EXPECT_EQ(ReadTestFile(DesktopFile()), desktop);
-  EXPECT_EQ(ReadTestFile(Package()), package);
-
-  // Someone else's default survives the removal.
+  EXPECT_EQ(ReadTestFile(Package()), MimePackageXml());
   if (Installed("xdg-mime")) {
     EXPECT_TRUE(first->notes.empty()) << first->notes.front();
-    const std::string defaults = ReadTestFile(PathOf("config") / "mimeapps.list");
-    EXPECT_NE(defaults.find("application/x-romsteward-smd=romsteward.desktop"), std::string::npos)
-        << defaults;
+    EXPECT_THAT(ReadTestFile(PathOf("config") / "mimeapps.list"),
+                HasSubstr("application/x-genesis-rom=romsteward.desktop"));
   }
-  test::WriteTestFile(
-      PathOf("config") / "mimeapps.list",
-      ReadTestFile(PathOf("config") / "mimeapps.list") + "text/plain=editor.desktop\n");
 
+  // Another program for the same type, another type, and a line an older version left.
+  test::WriteTestFile(PathOf("config") / "mimeapps.list",
+                      "[Default Applications]\n"
+                      "application/x-genesis-rom=romsteward.desktop;blastem.desktop;\n"
+                      "application/x-romsteward-bin=romsteward.desktop\n"
+                      "text/plain=editor.desktop\n");
   auto removed = RemoveFileTypes(Places());
   ASSERT_TRUE(removed.ok()) << removed.error().message;
   EXPECT_FALSE(std::filesystem::exists(DesktopFile()));
   EXPECT_FALSE(std::filesystem::exists(Package()));
-  const std::string left = ReadTestFile(PathOf("config") / "mimeapps.list");
-  EXPECT_EQ(left.find("romsteward"), std::string::npos) << left;
-  EXPECT_NE(left.find("text/plain=editor.desktop"), std::string::npos);
+  EXPECT_EQ(ReadTestFile(PathOf("config") / "mimeapps.list"),
+            "[Default Applications]\n"
+            "application/x-genesis-rom=blastem.desktop;\n"
+            "text/plain=editor.desktop\n");
   EXPECT_TRUE(RemoveFileTypes(Places()).ok());
 }
 
-TEST_F(FileTypesTest, TheDesktopKnowsARegisteredImage) {
+// The desktop's answer for each file before registering, after it, and after removal: the
+// images are known by their headers whatever their names, and no other file changes type.
+TEST_F(FileTypesTest, RegisteringChangesTheTypeOfImagesAndOfNothingElse) {
   if (!Installed("xdg-mime") || !Installed("update-mime-database") || !Installed("mimetype")) {
     GTEST_SKIP() << "xdg-mime, update-mime-database or mimetype is not installed";
   }
-  const auto image = test::TempDir();
-  const auto rom = image.Write("Made Up Game.1", std::string(0x200, '\0') + "SEGA GENESIS");
+  const auto files = test::TempDir();
+  const std::string logical = BuildCartridgeImage({});
+  std::string split = EncodeImage(logical, Layout::Smd);
+  split[2] = '\x40';
+  const std::vector<std::filesystem::path> images{
+      files.Write("Game.bin", EncodeImage(logical, Layout::Bin)),
+      files.Write("Game.smd", EncodeImage(logical, Layout::Smd)),
+      files.Write("Game.1", split),
+      files.Write("Game.md", EncodeImage(logical, Layout::Md)),
+  };
+  const std::vector<std::filesystem::path> others{
+      files.Write("firmware.bin", "x"),
+      files.Write("tool.1", ".\\\" manual page\n.TH TOOL 1\n"),
+      files.Write("notes.md", "<!-- badges -->\n# Notes\n"),
+      files.Write("letter.smd", "Dear all,\n"),
+  };
+  const auto query = [this](const std::filesystem::path& file) {
+    return QueryFileType(PathOf("data"), file, PathOf("out.txt"));
+  };
+  std::vector<std::string> before;
+  for (const auto& file : others)
+    before.push_back(query(file));
+  EXPECT_EQ(before[0], "text/plain");
+
   ASSERT_TRUE(RegisterFileTypes(Places()).ok());
-  EXPECT_EQ(QueryFileType(PathOf("data"), rom, PathOf("out.txt")),
-            "application/x-romsteward-split");
+  for (const auto& image : images)
+    EXPECT_EQ(query(image), kGenesisRomType) << image;
+  for (std::size_t i = 0; i < others.size(); ++i)
+    EXPECT_EQ(query(others[i]), before[i]) << others[i];
 
   ASSERT_TRUE(RemoveFileTypes(Places()).ok());
-  EXPECT_NE(QueryFileType(PathOf("data"), rom, PathOf("out.txt")),
-            "application/x-romsteward-split");
+  EXPECT_NE(query(images[3]), kGenesisRomType);  // the game doctor's header is ours alone
 }
 
 TEST_F(FileTypesTest, AnUnwritableDataHomeIsReported) {

@@ -1,9 +1,13 @@
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "core/cart/header.h"
+#include "core/launch/run_owner.h"
 #include "core/launch/zip_archive.h"
 #include "core/tools/report_form.h"
+#include "core/tools/report_generator.h"
 #include "core/tools/report_template.h"
 #include "support/place_fixture.h"
 
@@ -13,6 +17,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
 
 class ReportTest : public test::PlaceTest {
 protected:
@@ -130,6 +135,55 @@ TEST_F(ReportTest, ArchiveMembersAreExtractedAndDeletedAfterwards) {
             PathToUtf8(PathOf("zips")));
   EXPECT_EQ(test::ReadTestFile(PathOf("temp/one.bin")), "the user's own file");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(PathOf("temp")), {}), 1);
+}
+
+TEST_F(ReportTest, AnArchiveIsReadInOnePassAndFoldersOfKilledReportsGo) {
+  // Many members, listed in the reverse of the archive's order: the report keeps the list's.
+  std::vector<std::pair<std::string, std::string>> members{{"one.bin", ImageBytes(Layout::Bin)}};
+  for (int i = 0; i < 1500; ++i)
+    members.emplace_back("note" + std::to_string(i) + ".txt", "no image");
+  members.emplace_back("two.smd", ImageBytes(Layout::Smd));
+  RomListSource source{Put(MakeDir("zips"), "big.zip", Zip(members)), true, {}};
+  for (auto it = members.rbegin(); it != members.rend(); ++it)
+    source.entries.push_back(it->first);
+
+  // Left by reports that were killed, by one still running, by an older version, the user's.
+  const std::string temp = MakeDir("temp");
+  const auto self = IdentifyProcess(getpid());
+  ASSERT_TRUE(self.has_value());
+  const std::string running =
+      fmt::format("romsteward-report-{}-{}-0badf00d", self->pid, self->startTicks);
+  for (const std::string& name :
+       {fmt::format("romsteward-report-{}-{}-00000001", self->pid, self->startTicks + 1),
+        std::string("romsteward-report-999999999-5-00000002"), running,
+        std::string("romsteward-report-0badf00d")})
+    std::filesystem::create_directory(PathOf("temp") / name);
+  test::WriteTestFile(PathOf("temp/romsteward-report-999999999-5-00000002/one.bin"), "left");
+  Put(temp, "romsteward-report-1-1-mine", "the user's own file");
+
+  const auto opens = ArchiveOpenCount();
+  auto report =
+      BuildRomListReport("-BOL-%file% -EOL-", source, RomNameChoice::Overseas, temp, host);
+  ASSERT_TRUE(report.ok()) << report.error().message;
+  EXPECT_EQ(*report, "two.smd one.bin ");
+  EXPECT_EQ(ArchiveOpenCount() - opens, 1u);
+  std::vector<std::string> left;
+  for (const auto& item : std::filesystem::directory_iterator(PathOf("temp")))
+    left.push_back(PathToUtf8(item.path().filename()));
+  EXPECT_THAT(left, UnorderedElementsAre(running, "romsteward-report-0badf00d",
+                                         "romsteward-report-1-1-mine"));
+
+  // A cancel stops the report and takes its folder with it, without a word in the window.
+  host.CancelProgressAt(50);
+  EXPECT_EQ(BuildRomListReport("-BOL-%file% -EOL-", source, RomNameChoice::Overseas, temp, host)
+                .error()
+                .message,
+            kReportCancelled);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(PathOf("temp")), {}), 3);
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", temp).ok());
+  const std::size_t shown = host.Texts().size();
+  EXPECT_EQ(Create("-BOL-%file% -EOL-", source), "");
+  EXPECT_EQ(host.Texts().size(), shown);
 }
 
 TEST_F(ReportTest, ScriptsAreSavedOverOldFilesAndOpenedWhole) {
