@@ -13,7 +13,9 @@ std::vector<std::filesystem::path> ProgramSearchFolders() {
     std::string_view rest(path);
     while (!rest.empty()) {
       const auto colon = rest.find(':');
-      if (const auto folder = rest.substr(0, colon); !folder.empty())
+      // A relative entry names a different folder from every working directory: a path
+      // found through it would not hold.
+      if (const auto folder = rest.substr(0, colon); folder.starts_with('/'))
         folders.push_back(Utf8ToPath(folder));
       rest = colon == std::string_view::npos ? std::string_view{} : rest.substr(colon + 1);
     }

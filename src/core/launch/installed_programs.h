@@ -8,7 +8,7 @@
 namespace romsteward {
 
 /// Where installed programs are looked for: /usr/games first (Debian puts its emulators
-/// there, and it is not on every PATH), then the folders of PATH in their order.
+/// there, and it is not on every PATH), then the absolute folders of PATH in their order.
 std::vector<std::filesystem::path> ProgramSearchFolders();
 
 /// The full path of the first file called `name` in `folders`; "" when there is none.
