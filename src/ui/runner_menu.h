@@ -1,11 +1,11 @@
 #pragma once
 
-class QMenu;
-
 namespace romsteward {
 class AppSettings;
 class Host;
 }  // namespace romsteward
+
+class QMenu;
 
 namespace romsteward::ui {
 
