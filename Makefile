@@ -9,7 +9,7 @@ DESKTOP := $(BUILD_DIR)/src/ui/romsteward
 RUN_SETTINGS := build/run-settings.sqlite3
 
 # Debian packages the project builds and tests with.
-DEB_PACKAGES := cmake ninja-build g++ pkg-config \
+DEB_PACKAGES := cmake ninja-build g++ pkg-config clang-format \
   libcli11-dev libfmt-dev nlohmann-json3-dev libsqlite3-dev libarchive-dev \
   libgtest-dev libgmock-dev libbenchmark-dev
 DEB_PACKAGES += libpugixml-dev zlib1g-dev libssl-dev
@@ -31,7 +31,7 @@ CCACHE := $(shell command -v ccache 2>/dev/null)
 CMAKE_FLAGS += $(if $(CCACHE),-DCMAKE_CXX_COMPILER_LAUNCHER=$(CCACHE),)
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
-.PHONY: deps configure build test run bench format clean
+.PHONY: deps configure build test run bench format format-check clean
 .PHONY: screenshot
 
 deps:
@@ -68,8 +68,14 @@ screenshot: deps build
 bench: deps build
 	@for b in $(BUILD_DIR)/bench/*_bench; do [ -x "$$b" ] && "$$b"; done
 
+FORMAT_FILES = find src tests bench fuzz tools -name '*.cpp' -o -name '*.h'
+
 format:
-	find src tests bench -name '*.cpp' -o -name '*.h' | xargs clang-format -i
+	$(FORMAT_FILES) | xargs clang-format -i
+
+# Fails on any file clang-format would change; CI runs it.
+format-check:
+	$(FORMAT_FILES) | xargs clang-format --dry-run -Werror
 
 clean:
 	rm -rf build

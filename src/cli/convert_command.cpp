@@ -24,10 +24,12 @@ int RunConvert(const ConvertOptions& options, ToolContext& context) {
   const auto output = options.output.empty() ? DefaultConvertOutput(source, options.to)
                                              : Utf8ToPath(options.output);
   if (Status converted = ConvertImage(source, options.to, output, options.force); !converted) {
-    context.err << converted.error().message << '\n';
+    // One line whatever the names hold, as every command prints them.
+    context.err << EscapeForDisplay(converted.error().message, false) << '\n';
     return kExitError;
   }
-  context.out << "Wrote " << PathToUtf8(output) << " (" << FormatDescription(options.to) << ")\n";
+  context.out << "Wrote " << EscapeForDisplay(PathToUtf8(output)) << " ("
+              << FormatDescription(options.to) << ")\n";
   return kExitOk;
 }
 

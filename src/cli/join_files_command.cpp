@@ -6,8 +6,8 @@
 
 #include "cli/exit_status.h"
 #include "cli/tool.h"
-#include "core/host/host.h"
 #include "core/common/strings.h"
+#include "core/host/host.h"
 #include "core/tools/split_join.h"
 
 namespace romsteward::cli {
@@ -26,7 +26,7 @@ int RunJoinFiles(const JoinFilesOptions& options, ToolContext& context) {
   if (std::filesystem::exists(destination, error) &&
       context.host().AskYesNo("The file '" + options.destination + "' exists! Overwrite?",
                               MessageIcon::Question, {}) != Answer::Yes)
-    return kExitFailure;
+    return kExitError;  // an output that would be overwritten, as everywhere
   return ExitStatusFor(JoinFilesInto(context.host(), destination, options.files));
 }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <ostream>
 
+#include "cli/exit_status.h"
 #include "cli/json_output.h"
 #include "cli/tool.h"
 #include "core/common/binary_file.h"
@@ -184,8 +185,10 @@ int RunFromIps(const PatchOptions& options, ToolContext& context) {
   }
   AppSettings* settings = context.SettingsOrReport();
   if (!settings) return kExitError;
-  StoreIpsAsDynamicPatches(context.host(), settings->Store(), Utf8ToPath(options.file),
-                           ListText(options.file), *ips, options.ips, baseName);
+  const CommandResult result =
+      StoreIpsAsDynamicPatches(context.host(), settings->Store(), Utf8ToPath(options.file),
+                               ListText(options.file), *ips, options.ips, baseName);
+  if (result != CommandResult::Done) return ExitStatusFor(result);
   // A patch that could not be read to its end was reported above; it is bad input even
   // when its complete records were kept.
   const IpsEnd end = ParseIps(*ips).end;

@@ -37,7 +37,7 @@ std::unique_ptr<MainWindowModel> OpenPlace(ToolContext& context, std::string_vie
   // Chosen before there is a place, so the one scan below is the only one.
   model->ChooseFilter(filter);
   model->ChooseSort(order);
-  if (!model->SetDiret(place)) {
+  if (!model->SetDiret(place) || model->IsUnreadable()) {
     context.status = kExitError;
     return nullptr;
   }

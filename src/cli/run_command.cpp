@@ -96,9 +96,10 @@ void Run(const RunOptions& options, ToolContext& context) {
   PosixProcessRunner runner;
   LaunchCommand launch(context.host(), *settings, runner);
   if (options.dryRun) {
+    // A check that stops the launch stops its dry run the same way.
     const auto command = launch.DryRun(request);
     if (!command) {
-      context.status = kExitError;
+      context.status = kExitFailure;
       return;
     }
     PrintCommand(context.out, *command);

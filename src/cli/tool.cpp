@@ -8,8 +8,8 @@
 #include <sstream>
 
 #include "cli/terminal_host.h"
-#include "core/common/strings.h"
 #include "core/app/launch_command.h"
+#include "core/common/strings.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/registry_store.h"
 
@@ -35,14 +35,22 @@ int ReportUsageError(const CLI::App& app, const CLI::ParseError& error,
     name += " " + command->get_name();
   }
   err << error.what() << '\n';
-  // A file whose name starts with a dash reads as options; say how to name it.
+  // A file name or a value that starts with a dash reads as options; say how to give it.
   for (const std::string& arg : args) {
+    if (arg.size() < 2 || arg[0] != '-' || arg == "--" || command->get_option_no_throw(arg))
+      continue;
     std::error_code missing;
-    if (arg.size() > 1 && arg[0] == '-' && arg != "--" && !command->get_option_no_throw(arg) &&
-        (arg.find('.') != std::string::npos || std::filesystem::exists(Utf8ToPath(arg), missing)))
+    const bool fileLike =
+        arg.find('.') != std::string::npos || std::filesystem::exists(Utf8ToPath(arg), missing);
+    // "-bar" is no option of ours (they are one letter after one dash): likely a value.
+    const bool valueLike = arg.size() > 2 && arg[1] != '-';
+    if (fileLike)
       err << "\"" << EscapeForDisplay(arg)
           << "\" was read as options; for a file of that name write "
           << "-- before it, or ./" << EscapeForDisplay(arg) << "\n";
+    else if (valueLike)
+      err << "\"" << EscapeForDisplay(arg)
+          << "\" was read as options; for a value of that text write -- before it\n";
   }
   err << CLI::Formatter().make_usage(command, name) << "Run with --help for more information.\n";
   return kExitError;

@@ -85,14 +85,12 @@ MainWindow::MainWindow(Host& host, AppSettings& settings, FileOperations& operat
   setCentralWidget(central);
   BuildMenus();
 
-  connect(m_listView->selectionModel(), &QItemSelectionModel::currentChanged, this,
-          [this](const QModelIndex& current) {
-            if (m_rendering) return;
-            Run([this, current] {
-              m_model.Select(current.isValid() ? std::optional<std::size_t>(current.row())
-                                               : std::nullopt);
-            });
-          });
+  // The model follows the highlighted entry, not the current one: the view moves its current
+  // row on its own (to the first entry when it gets the focus) without selecting it.
+  connect(m_listView->selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+    if (m_rendering) return;
+    Run([this] { m_model.Select(ShownSelection()); });
+  });
   connect(m_listView, &RomListView::launchRequested, this, &MainWindow::launchRequested);
   connect(m_listView, &RomListView::filesDropped, this,
           [this](const std::optional<std::vector<std::string>>& paths) {
@@ -173,13 +171,13 @@ QWidget* MainWindow::BuildPanel() {
   m_launchRow->addWidget(m_chkIPS);
   m_launchRow->addStretch(1);
 
+  // The tabs take the height the other rows leave, so a maximized window has no empty half.
   auto* layout = new QVBoxLayout(panel);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(info);
-  layout->addWidget(m_tabs);
+  layout->addWidget(m_tabs, 1);
   layout->addWidget(RowPanel(panel, "Picture3", {country, extra}));
   layout->addWidget(RowPanel(panel, "Picture5", {m_launchRow}));
-  layout->addStretch(1);
   return panel;
 }
 
@@ -220,17 +218,22 @@ void MainWindow::Render() {
   emit rendered();
 }
 
+std::optional<std::size_t> MainWindow::ShownSelection() const {
+  const QModelIndexList rows = m_listView->selectionModel()->selectedRows();
+  if (rows.size() != 1) return std::nullopt;
+  return static_cast<std::size_t>(rows.front().row());
+}
+
 void MainWindow::RenderSelection() {
   m_listModel->Sync();
   const std::optional<std::size_t> selection = m_model.Selection();
+  if (ShownSelection() == selection) return;
   QItemSelectionModel* selectionModel = m_listView->selectionModel();
   if (selection) {
     const QModelIndex index = m_listModel->index(static_cast<int>(*selection));
-    if (selectionModel->currentIndex() != index) {
-      selectionModel->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
-      m_listView->scrollTo(index);
-    }
-  } else if (selectionModel->currentIndex().isValid()) {
+    selectionModel->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+    m_listView->scrollTo(index);
+  } else {
     selectionModel->clear();
   }
 }

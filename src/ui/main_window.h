@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -93,6 +94,8 @@ private:
   void Run(const std::function<void()>& command);
   void RenderPanel();
   void RenderSelection();
+  /// The entry the list shows highlighted.
+  std::optional<std::size_t> ShownSelection() const;
   void OpenManual();
   void ShowAbout();
   void HideToTray();

@@ -33,11 +33,31 @@ RomListView::RomListView(QWidget* parent) : QListView(parent) {
   setDefaultDropAction(Qt::CopyAction);
 }
 
+QItemSelectionModel::SelectionFlags RomListView::selectionCommand(const QModelIndex& index,
+                                                                  const QEvent* event) const {
+  // As in a list box, the selection stays where it is: the panel and "Run this game!" always
+  // stand for the entry the list shows selected.
+  if (!index.isValid()) return QItemSelectionModel::NoUpdate;
+  const QItemSelectionModel::SelectionFlags flags = QListView::selectionCommand(index, event);
+  if (flags & (QItemSelectionModel::Deselect | QItemSelectionModel::Toggle))
+    return QItemSelectionModel::ClearAndSelect;
+  return flags;
+}
+
+void RomListView::focusInEvent(QFocusEvent* event) {
+  // The view makes the first entry current when it gets the focus, without selecting it: it
+  // would look chosen while nothing is, and Down would skip it. Without a current entry,
+  // the first key that moves selects the first entry.
+  const bool hadCurrent = currentIndex().isValid();
+  QListView::focusInEvent(event);
+  if (!hadCurrent && !selectionModel()->hasSelection()) selectionModel()->clearCurrentIndex();
+}
+
 void RomListView::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-      if (currentIndex().isValid()) emit launchRequested();
+      if (selectionModel()->hasSelection()) emit launchRequested();
       return;
     default:
       QListView::keyPressEvent(event);

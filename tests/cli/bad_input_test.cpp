@@ -1,14 +1,19 @@
 // Every subcommand fed what a new user might give it by mistake: each refusal exits 2 with a
 // message naming the file, and leaves every file as it was, with nothing half written or
 // left behind.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <functional>
 #include <map>
+#include <thread>
 
 #include "core/cart/convert.h"
 #include "core/common/binary_file.h"
@@ -23,7 +28,7 @@ namespace {
 using ::testing::AnyOf;
 using ::testing::HasSubstr;
 
-enum class Input { Missing, Folder, Empty, OneByte, Bytes511, TruncatedSmd };
+enum class Input { Missing, Folder, Empty, OneByte, Bytes511, TruncatedSmd, Fifo, FakeZip };
 
 // One subcommand line: "{in}" is the bad input, "{image}" a sound image, "{patch}" a sound
 // patch, "{out}" an output that does not exist yet, "{dir}" the folder of all of them.
@@ -53,8 +58,11 @@ const Command kCommands[] = {
     {{"ips", "apply", "{patch}", "{in}"}, {Input::Missing, Input::Folder}},
     {{"patch", "from-ips", "{image}", "{in}", "p"}, kNoImage},
     {{"join-files", "{out}", "{image}", "{in}"}, {Input::Missing, Input::Folder}},
-    {{"list", "{in}"}, {Input::Missing, Input::Empty, Input::OneByte, Input::Bytes511}},
-    {{"report", "{in}", "-o", "{out}"}, {Input::Missing, Input::Empty, Input::OneByte}},
+    // A file that only starts like a ZIP archive lists nothing: it is refused, not "0 files".
+    {{"list", "{in}"},
+     {Input::Missing, Input::Empty, Input::OneByte, Input::Bytes511, Input::FakeZip}},
+    {{"report", "{in}", "-o", "{out}"},
+     {Input::Missing, Input::Empty, Input::OneByte, Input::FakeZip}},
     {{"report", "--template", "{in}", "{dir}", "-o", "{out}"}, kNoImage},
 };
 
@@ -88,6 +96,12 @@ protected:
       case Input::Bytes511:
         test::WriteTestFile(path, std::string(511, '\x7F'));
         break;
+      case Input::Fifo:
+        ::mkfifo(path.c_str(), 0600);
+        break;
+      case Input::FakeZip:
+        test::WriteTestFile(path, "PK" + std::string(600, '\x03'));
+        break;
       case Input::TruncatedSmd: {
         // A copier header announcing four blocks, and not even one after it.
         const std::string smd = EncodeImage(test::MakeCartridge(64 * 1024, 3), Layout::Smd);
@@ -113,14 +127,16 @@ protected:
     return args;
   }
 
-  // Every path under the work folder with a digest of its contents (a folder as "/"; a huge
-  // file by its size and time of change).
+  // Every path under the work folder with a digest of its contents (a folder as "/", a FIFO
+  // as "|"; a huge file by its size and time of change).
   std::map<std::string, std::string> Snapshot() const {
     std::map<std::string, std::string> files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(m_dir)) {
       std::string& seen = files[entry.path().string()];
       if (entry.is_directory())
         seen = "/";
+      else if (!entry.is_regular_file())
+        seen = "|";
       else if (entry.file_size() > (1u << 20))
         seen = std::to_string(entry.file_size()) + "@" +
                std::to_string(entry.last_write_time().time_since_epoch().count());
@@ -131,7 +147,7 @@ protected:
   }
 
   // Runs `command` on the bad input `kind` named `name`: it must be refused cleanly.
-  void ExpectRefused(const Command& command, Input kind, const std::string& name) {
+  test::ToolRun ExpectRefused(const Command& command, Input kind, const std::string& name) {
     const std::string input = MakeInput(kind, name);
     const auto before = Snapshot();
     const auto args = Line(command, input);
@@ -147,6 +163,7 @@ protected:
         << run.err;
     EXPECT_EQ(Snapshot(), before) << line;
     std::filesystem::remove_all(Utf8ToPath(input));
+    return run;
   }
 
   const std::filesystem::path m_dir = PathOf("work");
@@ -161,11 +178,57 @@ TEST_F(BadInputTest, EveryCommandRefusesWhatIsNoUsableInput) {
   }
 }
 
+// Opening a FIFO for reading waits for a writer: every command must refuse it at once. A
+// helper opens it for writing now and then, so a command that does wait gets through to
+// an empty read and fails here instead of hanging the suite.
+TEST_F(BadInputTest, FifosAreRefusedInsteadOfWaitedOn) {
+  const Command readers[] = {
+      {{"info", "{in}"}, {}},
+      {{"checksum", "--fix", "{in}"}, {}},
+      {{"convert", "--to", "md", "{in}", "-o", "{out}"}, {}},
+      {{"split", "--size", "1", "{in}"}, {}},
+      {{"join-files", "{out}", "{image}", "{in}"}, {}},
+      {{"ips", "create", "{in}", "{image}", "-o", "{out}"}, {}},
+      {{"ips", "create", "{image}", "{in}", "-o", "{out}"}, {}},
+      {{"ips", "apply", "{in}", "{image}"}, {}},
+      {{"patch", "add", "{in}", "p", "0", "00"}, {}},
+      {{"patch", "from-ips", "{image}", "{in}", "p"}, {}},
+      {{"repair", "--yes", "{in}"}, {}},
+      {{"restore-checksum", "{in}"}, {}},
+      {{"report", "--template", "{in}", "{dir}", "-o", "{out}"}, {}},
+      {{"identify", "--dat", "{in}", "{image}"}, {}},
+  };
+  const std::string fifo = (m_dir / "input.bin").string();
+  std::atomic<bool> done = false;
+  std::thread releaser([&] {
+    while (!done) {
+      const int fd = ::open(fifo.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+      if (fd >= 0) ::close(fd);
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+  });
+  for (const Command& command : readers) {
+    const test::ToolRun run = ExpectRefused(command, Input::Fifo, "input.bin");
+    EXPECT_THAT(run.err, HasSubstr("not a regular file")) << command.args[0] << run.err;
+  }
+  done = true;
+  releaser.join();
+}
+
 TEST_F(BadInputTest, AwkwardNamesAreShownAsTheyAre) {
   for (const std::string name :
        {"with blanks .bin", "it's \"quoted\".bin", "new\nline.bin", "latin\xE9\xFF.bin"}) {
     for (const Command& command : kCommands)
       ExpectRefused(command, Input::Missing, name);
+  }
+  // convert shows the names it writes and refuses on one line, escaped.
+  const std::string odd = (m_dir / "new\nline.bin").string();
+  test::WriteTestFile(odd, test::ReadTestFile(m_image));
+  for (int run = 0; run < 2; ++run) {  // written, then refused as existing
+    const test::ToolRun converted = test::RunToolWith({"convert", "--to", "smd", odd});
+    EXPECT_EQ(converted.status, run == 0 ? cli::kExitOk : cli::kExitError) << converted.err;
+    EXPECT_THAT(converted.out + converted.err, HasSubstr(EscapeForDisplay("new\nline.smd")));
+    EXPECT_THAT(converted.out + converted.err, ::testing::Not(HasSubstr("new\nline")));
   }
   // A name with a leading dash reads as an option: the usage error names it.
   const test::ToolRun dash = test::RunToolWith({"checksum", "-game.bin"});

@@ -97,6 +97,31 @@ TEST_F(ImageCommands, ConvertWritesBesideTheSourceAndRefusesToOverwrite) {
   EXPECT_NE(Status({"convert", "--to", "zip", "long.bin"}), 0);
 }
 
+TEST_F(ImageCommands, ReplacedOutputsKeepTheirModeAndAreWrittenThroughLinks) {
+  namespace fs = std::filesystem;
+  test::WriteTestFile(PathOf("bad2.bin"), Read("bad.bin").replace(0x300, 1, "Z"));
+  fs::create_directory(PathOf("real"));
+  const std::string link = Path("link.out");
+  const std::vector<std::vector<std::string>> writers = {
+      {"convert", "--to", "smd", "--force", Path("long.bin"), "-o", link},
+      {"ips", "create", Path("bad.bin"), Path("bad2.bin"), "-o", link},
+      {"report", Path("real"), "-o", link},
+  };
+  for (const auto& args : writers) {
+    const auto target = PathOf("real/out");
+    test::WriteTestFile(target, "old");
+    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write);
+    fs::remove(PathOf("link.out"));
+    fs::create_symlink("real/out", PathOf("link.out"));
+    const test::ToolRun run = Run(args);
+    EXPECT_EQ(run.status, 0) << args[0] << run.err;
+    EXPECT_TRUE(fs::is_symlink(PathOf("link.out"))) << args[0];
+    EXPECT_NE(Read("real/out"), "old") << args[0];
+    EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read | fs::perms::owner_write)
+        << args[0];
+  }
+}
+
 TEST_F(ImageCommands, ASplitSetIsDetectedAndJoinsBackByteForByte) {
   // 5 Mbit at 2: two whole volumes and a short one.
   const std::string image = EncodeImage(test::MakeCartridge(640 * 1024, 5), Layout::Smd);
@@ -111,6 +136,12 @@ TEST_F(ImageCommands, ASplitSetIsDetectedAndJoinsBackByteForByte) {
   EXPECT_TRUE(Said("The file GAME.smd exists!"));
   ASSERT_EQ(Status({"--yes", "join", "GAME.2"}), cli::kExitOk) << err;
   EXPECT_EQ(Read("GAME.smd"), image);
+  // A set with a volume missing in the middle is refused, and nothing is written.
+  std::filesystem::rename(PathOf("GAME.2"), PathOf("away"));
+  EXPECT_EQ(Status({"--yes", "join", "GAME.1"}), cli::kExitError);
+  EXPECT_TRUE(Said("GAME.2")) << err;
+  EXPECT_TRUE(Read("GAME.smd") == image);
+  std::filesystem::rename(PathOf("away"), PathOf("GAME.2"));
   EXPECT_EQ(Status({"split", "--size", "2", "GAME.smd"}), cli::kExitFailure);
   EXPECT_TRUE(Said("GAME.1' exists! Overwrite?"));
 }
@@ -123,7 +154,7 @@ TEST_F(ImageCommands, SplitRefusesBadSizesAndImagesThatAreNotWholeSmdAndJoinFile
   EXPECT_FALSE(std::filesystem::exists(PathOf("long.1")));
   // join-files asks before replacing its destination.
   ASSERT_EQ(Status({"join-files", "j.out", "long.bin", "good.smd"}), cli::kExitOk);
-  EXPECT_EQ(Status({"join-files", "j.out", "long.bin"}), cli::kExitFailure);
+  EXPECT_EQ(Status({"join-files", "j.out", "long.bin"}), cli::kExitError);  // not overwritten
   EXPECT_EQ(Read("j.out"), Read("long.bin") + Read("good.smd"));
 }
 

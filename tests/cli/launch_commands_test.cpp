@@ -100,6 +100,39 @@ TEST_F(LaunchCommands, BadInputIsRefusedWithAReason) {
   run = Run({"run", image});
   EXPECT_EQ(run.status, 1);
   EXPECT_THAT(run.err, HasSubstr("'Search Genecyst' item"));
+  // The dry run stops where the launch stops, with the same status.
+  run = Run({"run", "--dry-run", image});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.err, HasSubstr("'Search Genecyst' item"));
+  EXPECT_EQ(run.out, "");
+}
+
+// The working folder lies deeper than the longest path the system takes: the image can be
+// listed by its short relative name, but not handed to anything, least of all as "no image".
+TEST_F(LaunchCommands, AnImageBeyondTheLongestPathIsRefused) {
+  namespace fs = std::filesystem;
+  const std::string level(250, 'd');
+  const fs::path home = fs::current_path();
+  fs::current_path(PathOf(""));
+  fs::create_directory("deep");
+  fs::current_path("deep");
+  for (int i = 0; i < 20; ++i) {
+    fs::create_directory(level);
+    fs::current_path(level);
+  }
+  test::WriteTestFile("game.bin", test::MakeCartridge(64 * 1024));
+  const test::ToolRun run = Run({"run", "--dry-run", "--emulator", "BlastEm", "game.bin"});
+  // Taken apart from the top, one level at a time, so that no path grows too long.
+  fs::current_path(PathOf(""));
+  while (fs::exists("deep")) {
+    fs::rename("deep", "up");
+    if (fs::exists(fs::path("up") / level)) fs::rename(fs::path("up") / level, "deep");
+    fs::remove_all("up");
+  }
+  fs::current_path(home);
+  EXPECT_EQ(run.status, 1);
+  EXPECT_THAT(run.out, ::testing::Not(HasSubstr("xdg-open")));
+  EXPECT_THAT(run.err, HasSubstr("too long"));
 }
 
 TEST_F(LaunchCommands, AddListAndRemoveKeepTheMenuInNameOrder) {

@@ -50,6 +50,13 @@ TEST_F(SettingsCommandTest, BadSectionsAndOptionsAreRefused) {
   EXPECT_THAT(run.err, HasSubstr("Settings, Cartridge, FAVORITE, PATCH, CRCs"));
   EXPECT_FALSE(std::filesystem::exists(StoreFile()));
   EXPECT_NE(Run({"--yes", "--no", "settings", "list"}).status, 0);  // they exclude each other
+  // A value that starts with a dash reads as options: the error says how to give it.
+  const test::ToolRun dash = Run({"settings", "set", "Settings", "k", "-bar"});
+  EXPECT_EQ(dash.status, cli::kExitError);
+  EXPECT_THAT(dash.err, HasSubstr("\"-bar\" was read as options; for a value of that text "
+                                  "write -- before it"));
+  ASSERT_EQ(Run({"settings", "set", "Settings", "k", "--", "-bar"}).status, 0);
+  EXPECT_EQ(Run({"settings", "get", "Settings", "k"}).out, "-bar\n");
 }
 
 TEST_F(SettingsCommandTest, TheStoreIsChosenByOptionThenEnvironment) {

@@ -4,6 +4,7 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
@@ -82,6 +83,53 @@ private slots:
     }
   }
 
+  // The list never shows one thing selected while the panel and the commands act on another.
+  void TheListThePanelAndTheCommandsAgreeOnTheSelection() {
+    Fixture f;
+    RomListView* list = f.window.List();
+    const auto shown = [&] {
+      const QModelIndexList rows = list->selectionModel()->selectedRows();
+      return rows.size() == 1 ? std::optional<std::size_t>(rows[0].row()) : std::nullopt;
+    };
+    const auto verifyNothingToActOn = [&] {
+      QCOMPARE(shown(), std::nullopt);
+      QCOMPARE(f.window.windowTitle(), QString("Genesis Romsteward"));
+      QCOMPARE(f.window.Field("txtTipo")->text(), QString());
+      QCOMPARE(f.window.Action("mnu_file")->text(), QString("Select a file!"));
+      QVERIFY(!f.window.Action("mnu_file")->isEnabled());
+      QVERIFY(!f.window.findChild<QCheckBox*>("chkIPS")->isChecked());
+      VerifyMenus(f);
+    };
+    verifyNothingToActOn();  // the place opened at start selects nothing
+    // The first key that moves selects the first entry, as it looks current to nobody.
+    list->setFocus();
+    QTest::keyClick(list, Qt::Key_Down);
+    QCOMPARE(shown(), std::optional<std::size_t>(0));
+    QCOMPARE(f.model().Selection(), std::optional<std::size_t>(0));
+
+    f.Click(1);
+    QCOMPARE(shown(), std::optional<std::size_t>(1));
+    const int rows = list->model()->rowCount();
+    const QRect last = list->visualRect(list->model()->index(rows - 1, 0));
+    const QPoint blank(last.center().x(), last.bottom() + 2 * last.height());
+    QVERIFY(list->viewport()->rect().contains(blank));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, blank);
+    QCOMPARE(shown(), std::optional<std::size_t>(1));
+    QCOMPARE(f.model().Selection(), std::optional<std::size_t>(1));
+    const QRect second = list->visualRect(list->model()->index(1, 0));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, second.center());
+    QCOMPARE(shown(), std::optional<std::size_t>(1));
+    QVERIFY(f.window.Action("mnu_file")->isEnabled());
+
+    // Another place where the name is not listed: nothing of the old entry stays.
+    const QString other = f.sandbox.Path("other");
+    QVERIFY(QDir().mkpath(other));
+    std::ofstream((other + "/Other.bin").toStdString()) << "no image";
+    f.model().SetDiret(other.toStdString());
+    f.window.Render();
+    verifyNothingToActOn();
+  }
+
   void MenuItemsAndKeysReachTheirCommands() {
     Fixture f;
     const int romFiles = f.window.List()->model()->rowCount();
@@ -127,12 +175,9 @@ private slots:
     f.Click(0);
     f.host.texts.push_back("Renamed.bin");
     f.window.Action("mnu_ren")->trigger();
-    QVERIFY(std::find(f.model().Entries().begin(), f.model().Entries().end(), "Renamed.bin") !=
-            f.model().Entries().end());
-    QVERIFY(f.window.List()
-                ->model()
-                ->match(f.window.List()->model()->index(0, 0), Qt::DisplayRole, "Renamed.bin")
-                .size() == 1);
+    QCOMPARE(f.model().SelectedText(), std::string("Renamed.bin"));
+    QCOMPARE(list->currentIndex().data().toString(), QString("Renamed.bin"));
+    QVERIFY(list->selectionModel()->isSelected(list->currentIndex()));
   }
 
   // Each option control changes one option of its own, and Load shows it back.
@@ -174,6 +219,22 @@ private slots:
     QVERIFY(f.window.Tabs()->Check("Check1")->isChecked());
     QCOMPARE(f.window.Tabs()->GenSlider()->value(), 2);
     QCOMPARE(f.window.Tabs()->SoundRate()->currentIndex(), 2);
+  }
+
+  // Grown (maximized), the panel fills the window: its rows reach the bottom, its boxes the
+  // right edge, and the tabs take the height.
+  void ThePanelGrowsWithTheWindow() {
+    Fixture f;
+    const int tabsBefore = f.window.Tabs()->height();
+    f.window.resize(1600, 1000);
+    const auto edge = [&f](const char* name) {
+      const auto* control = f.window.findChild<QWidget*>(name);
+      return control->mapTo(&f.window, QPoint(control->width(), control->height()));
+    };
+    QTRY_VERIFY(f.window.height() - edge("Picture5").y() < 20);
+    QVERIFY(f.window.width() - edge("Picture1").x() < 20);
+    QVERIFY(f.window.width() - edge("Picture2").x() < 20);
+    QVERIFY(f.window.Tabs()->height() > tabsBefore + 400);
   }
 
   void ClosingSavesThePosition() {

@@ -2,6 +2,7 @@
 #include "ui/patch/patch_window.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -100,19 +101,39 @@ private slots:
     QTest::keyClicks(f.window.NameField(), "Lives");
     QTest::keyClicks(f.window.PositionField(), "100");
     QTest::keyClicks(f.window.ValueField(), "ABC");
+    auto* saved = f.window.findChild<QLabel*>("lblSaved");
+    QVERIFY(saved);
+    QCOMPARE(saved->text(), QString());
     f.Save();
     QCOMPARE(f.window.ValueField()->text(), QString("0ABC"));  // as stored
+    QCOMPARE(saved->text(), QString("Saved \"Lives\": 2 byte(s) at position 100."));
     auto stored = f.Stored("Lives");
     QVERIFY(stored);
     QCOMPARE(stored->position, std::uint64_t{0x101});
     QCOMPARE(stored->newBytes, std::string("\x0A\xBC"));
     QCOMPARE(stored->oldBytes.size(), std::size_t{2});
 
-    // Typed text becomes its hexadecimal form; the window stays open for the next patch.
+    // The line speaks of the last save only: a change or a refused save empties it.
     f.window.ValueField()->setText("Hi");
+    QCOMPARE(saved->text(), QString());
+    f.Save();
+    QCOMPARE(saved->text(), QString());
+    f.host.shown.clear();
+    // Typed text becomes its hexadecimal form; the window stays open for the next patch.
     f.Item("mnu_hexa")->trigger();
     QCOMPARE(f.window.ValueField()->text(), QString("4869"));
     QVERIFY(f.host.shown.empty());
+  }
+
+  void TabGoesThroughTheFieldsThenTheCommands() {
+    Fixture f;
+    f.window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&f.window));
+    QCOMPARE(QApplication::focusWidget(), f.window.NameField());
+    for (const char* next : {"txtval", "txtpos", "Command3", "CmdX1", "txtNome"}) {
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+      QCOMPARE(QApplication::focusWidget()->objectName(), QString(next));
+    }
   }
 
   void TheGetValueCommandFillsTheValue() {
@@ -154,10 +175,17 @@ private slots:
     });
     patch->trigger();
     QVERIFY(chkIPS->isEnabled());  // the panel follows the new patch
+    // Ticked here, it is not shown ticked (greyed) on an image without patches.
+    chkIPS->click();
+    QVERIFY(model.Options().activateDynamicPatch);
+    QVERIFY(f.Select("Harbor Lights (U).smd"));
+    QVERIFY(!chkIPS->isEnabled() && !chkIPS->isChecked());
+    QVERIFY(f.Select(kImage));
+    chkIPS->click();
 
     host.yesNo = {Answer::Yes};
     window.findChild<QAction*>("mnu_tirapatch")->trigger();
-    QVERIFY(!chkIPS->isEnabled());
+    QVERIFY(!chkIPS->isEnabled() && !chkIPS->isChecked());
     QVERIFY(!HasDynamicPatches(sandbox.Settings().Store(), kImage));
   }
 };

@@ -24,11 +24,6 @@ namespace romsteward {
 
 namespace {
 
-Layout DetectAt(const std::filesystem::path& path) {
-  auto file = BinaryFile::Open(path);
-  return file ? DetectRomFormat(*file) : Layout::NoRom;
-}
-
 // The members of a split set stored in an archive: the first volume, then "stem.2",
 // "stem.3" ... as long as the archive holds them.
 std::vector<std::string> SplitSetMembers(const std::filesystem::path& archive,
@@ -146,8 +141,16 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
     if (const auto absolute = std::filesystem::absolute(m_romPath, ignored); !ignored)
       m_romPath = absolute.lexically_normal();
 
-    const Layout layout = dryRun && request.zipListing ? DetectRomFormat(nullptr, request.entryText)
-                                                       : DetectAt(m_romPath);
+    Layout layout = Layout::NoRom;
+    if (dryRun && request.zipListing) {
+      layout = DetectRomFormat(nullptr, request.entryText);
+    } else {
+      // What cannot be read (gone, or a path longer than the system takes) is no reason to
+      // hand it to the default program as a file that is no image.
+      auto file = BinaryFile::Open(m_romPath);
+      if (!file) return critical(file.error().message);
+      layout = DetectRomFormat(*file);
+    }
     const bool split = IsSplitVolume(layout);
     const bool classicSplitTab = tab == static_cast<int>(EmulatorTab::KGen) ||
                                  tab == static_cast<int>(EmulatorTab::Genecyst);
@@ -192,11 +195,8 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
   input.country = request.country;
   input.extra = request.extraCommandLine;
   std::error_code error;
-  if (dryRun) {
-    // A dry run shows the command even for an emulator not located yet.
-    if (input.emulatorPath.empty()) input.emulatorPath = profile->filter.patterns;
-  } else if (input.emulatorPath.empty() ||
-             !std::filesystem::is_regular_file(Utf8ToPath(input.emulatorPath), error)) {
+  if (input.emulatorPath.empty() ||
+      !std::filesystem::is_regular_file(Utf8ToPath(input.emulatorPath), error)) {
     return critical(EmulatorNotFoundMessage(profile->name));
   }
 

@@ -87,7 +87,7 @@ public:
   /// What Begin would start, with nothing prepared or written: no extraction (the path is
   /// where the copy would go), no patch, no `gen.ini`, no saved options, no question; for a
   /// file that is no image, the default program's start. A check that fails is told through
-  /// the Host as in Begin; an emulator not located yet is shown by its executable's name.
+  /// the Host as in Begin, an emulator not located yet among them.
   std::optional<EmulatorCommand> DryRun(const LaunchRequest& request);
 
   /// The emulator started as `pid`: named beside the run's records, so that another program

@@ -171,7 +171,7 @@ void MainWindowModel::DynamicPatchesChanged() {
 // "Activate dynamic patch" is offered while the cartridge has patches and can be written.
 void MainWindowModel::FollowPatches() {
   const bool writable = m_texts.txtarquivo != kReadOnlyArchive;
-  m_controls["chkIPS"].enabled = writable && HasDynamicPatches(m_settings.Store(), SelectedText());
+  EnablePatchBox(writable && HasDynamicPatches(m_settings.Store(), SelectedText()));
 }
 
 void MainWindowModel::ApplyListUpdate(bool refresh, bool removeSelected) {
@@ -206,7 +206,9 @@ void MainWindowModel::DeleteSelected() {
 void MainWindowModel::RenameSelected() {
   if (!m_selection || IsZipListing()) return;
   const ListUpdate update = RenameRom(m_host, m_operations, m_diret, SelectedText());
-  ApplyListUpdate(update.refresh, update.removeSelected);
+  // The renamed entry stays the selection, wherever its new name sorts.
+  if (!update.newPath.empty())
+    RescanSelecting(PathToUtf8(Utf8ToPath(update.newPath).filename()), true);
 }
 
 void MainWindowModel::DropFiles(const std::optional<std::vector<std::string>>& dropped) {

@@ -132,6 +132,7 @@ void MainWindowModel::RunImagePath(std::string_view path, std::function<void()> 
     return;
   }
   LoadOptionsForSelection(m_settings, SelectedText(), m_controls["chkIPS"].enabled, m_options);
+  EnablePatchBox(m_controls["chkIPS"].enabled);
   if (!m_launchStep) throw std::logic_error("MainWindowModel: no launch step is connected");
   if (!done) done = [] {};
   m_launchStep(*this, std::move(done));

@@ -1,8 +1,10 @@
 #include "core/app/main_window_model.h"
 
+#include <algorithm>
+
+#include "core/common/strings.h"
 #include "core/host/app_title.h"
 #include "core/host/host.h"
-#include "core/common/strings.h"
 #include "core/identify/chosen_dat.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"
@@ -34,6 +36,7 @@ MainWindowModel::MainWindowModel(Host& host, AppSettings& settings, FileOperatio
   m_texts.caption = kAppTitle;
   m_texts.txtarquivo = kNormalArchive;
   m_texts.txtFiles = "0 file(s)";
+  ShowNoSelection();
 }
 
 MainWindowModel::~MainWindowModel() = default;
@@ -87,9 +90,15 @@ void MainWindowModel::RefreshRomList() {
   RescanSelecting(SelectedText());
 }
 
-void MainWindowModel::RescanSelecting(const std::string& remembered) {
+std::string MainWindowModel::DialogFolder() const {
+  if (!IsZipListing()) return m_diret;
+  return PathToUtf8(Utf8ToPath(m_diret).parent_path());
+}
+
+void MainWindowModel::RescanSelecting(const std::string& remembered, bool exact) {
   m_entries.clear();
   m_selection.reset();
+  m_unreadable = false;
   if (!m_diret.empty()) {
     if (IsZipFile(Utf8ToPath(m_diret))) {
       FillFromZip();
@@ -98,6 +107,11 @@ void MainWindowModel::RescanSelecting(const std::string& remembered) {
     }
   }
   m_selection = ReselectByName(m_entries, remembered);
+  if (exact && SelectedText() != remembered) {
+    const auto found = std::find(m_entries.begin(), m_entries.end(), remembered);
+    m_selection = found == m_entries.end() ? std::nullopt
+                                           : std::optional<std::size_t>(found - m_entries.begin());
+  }
   SyncSelection();
   m_texts.txtFiles = std::to_string(m_entries.size()) + " file(s)";
 }
@@ -106,6 +120,7 @@ void MainWindowModel::FillFromDirectory() {
   auto names = ScanRomDirectory(Utf8ToPath(m_diret), Filter());
   if (!names) {
     m_host.ShowMessage(names.error().message, MessageIcon::Critical, kAppTitle);
+    m_unreadable = true;
     return;
   }
   SortRomNames(*names, Order());
@@ -118,6 +133,7 @@ void MainWindowModel::FillFromZip() {
   auto listing = ListZipEntries(Utf8ToPath(m_diret), MasksOf(Filter()));
   if (!listing) {
     m_host.ShowMessage(listing.error().message, MessageIcon::Critical, kAppTitle);
+    m_unreadable = true;
     return;
   }
   // Archive order, unsorted: the list is the archive's own table of contents.
@@ -169,6 +185,7 @@ void MainWindowModel::OpenRomDirectory() {
 void MainWindowModel::OpenZipDirectory() {
   FileDialog dialog;
   dialog.title = "Choose a ZIP directory";
+  dialog.initialDir = DialogFolder();
   dialog.filters = {{"Zipped volumes", "*.zip"}, {"7z archives", "*.7z"}};
   const std::optional<std::string> path = m_host.ChooseOpenFile(dialog);
   if (!path || path->empty()) return;
@@ -233,7 +250,7 @@ void MainWindowModel::Select(std::optional<std::size_t> index) {
 
 void MainWindowModel::SyncSelection() {
   const std::string selected = SelectedText();
-  if (selected == m_currentFileName) return;
+  if (selected == m_currentFileName && (!selected.empty() || !m_panelShowsEntry)) return;
   m_currentFileName = selected;
   ShowRomInfo();
   m_countryIndex = 0;

@@ -99,6 +99,8 @@ public:
   bool SetDiret(std::string_view path);
   /// Whether the list shows the members of an archive.
   bool IsZipListing() const;
+  /// Whether the last scan could not read the place at all (the reason was shown).
+  bool IsUnreadable() const { return m_unreadable; }
   /// Rescans the place (F5, the filter and sort menus), keeping the selection when it can.
   void RefreshRomList();
   /// Puts `path` on top of the Directory menu and saves the menu as `dir0` ... `dir4`.
@@ -257,7 +259,18 @@ public:
 private:
   void AskToRemoveDeadFavorite(const std::string& title);
   void ShowRomInfo();
-  void RescanSelecting(const std::string& name);
+  /// Nothing selected: an empty panel, and off whatever works on a selection.
+  void ShowNoSelection();
+  /// The selected entry's file went away behind our back: says so and reads the list again.
+  bool ReportVanishedFile();
+  /// "Activate dynamic patch" on or off; switched off, it is unticked too, so that a launch
+  /// never patches an image whose box the user cannot see ticked.
+  void EnablePatchBox(bool enabled);
+  /// Rescans and selects `name`: by the halving search, or by the exact name when `exact`
+  /// (a command that just made the file knows its name, whatever the sort order).
+  void RescanSelecting(const std::string& name, bool exact = false);
+  /// Where a file dialog of the place starts: the place, or the folder of an archive.
+  std::string DialogFolder() const;
   bool RenameFirstVolume(const std::string& name);
   void ShowNonImage(bool zip);
   void ShowImage(const std::string& name, bool splitLater);
@@ -274,9 +287,12 @@ private:
   Host& m_host;
   AppSettings& m_settings;
   std::string m_diret;
+  bool m_unreadable = false;  // the last scan could not read the place
   std::vector<std::string> m_entries;
   std::optional<std::size_t> m_selection;
   std::string m_currentFileName;
+  // Whether the panel shows an entry: nothing selected then still has to clear it.
+  bool m_panelShowsEntry = true;
   WindowTexts m_texts;
   WindowControls m_controls;
   EmulatorOptions m_options;

@@ -2,8 +2,6 @@
 #include <algorithm>
 #include <string>
 
-#include "core/host/app_title.h"
-#include "core/host/host.h"
 #include "core/app/main_window_model.h"
 #include "core/cart/detect.h"
 #include "core/cart/header.h"
@@ -12,6 +10,8 @@
 #include "core/cart/rom_size_check.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
+#include "core/host/app_title.h"
+#include "core/host/host.h"
 #include "core/identify/chosen_dat.h"
 #include "core/launch/saved_games.h"
 #include "core/library/place.h"
@@ -61,14 +61,15 @@ std::filesystem::path MainWindowModel::SelectedPath() const {
 }
 
 void MainWindowModel::ShowRomInfo() {
-  if (m_entries.empty()) {
-    EnableFileMenus(false);
+  if (m_entries.empty() || !m_selection) {
+    ShowNoSelection();
     return;
   }
-  if (!m_selection) return;
-
   // An archive member is never opened here: it is only known by its name.
   const bool zip = IsZipListing();
+  if (!zip && ReportVanishedFile()) return;
+  m_panelShowsEntry = true;
+  m_controls.SetEnabled({"CmdLaunch", "CmdForce"}, true);
   Layout layout = zip ? Layout::NoRom : DetectAt(SelectedPath());
   const auto describe = [&] {
     m_texts.txtTipo = FormatDescription(zip ? std::string_view("ZIP") : LayoutCode(layout));
@@ -96,7 +97,8 @@ void MainWindowModel::ShowRomInfo() {
   m_previewable = !noImage && !zip;
   if (noImage || splitLater) {
     m_texts.caption = Caption(kNoValidRoms);
-    m_controls.SetEnabled({"chkIPS", "mnu_conv", "mnu_savthiscart", "mnu_del", "mnu_tool", "btncrc",
+    EnablePatchBox(false);
+    m_controls.SetEnabled({"mnu_conv", "mnu_savthiscart", "mnu_del", "mnu_tool", "btncrc",
                            "btnheader", "mnu_previmg", "BtnImagem", "mnu_addfav"},
                           false);
   } else {
@@ -119,28 +121,67 @@ void MainWindowModel::ShowRomInfo() {
   if (noImage || zip) {
     ShowNonImage(zip);
     // A member is patched in its unpacked copy at launch, so its patches still count.
-    if (zip) m_controls["chkIPS"].enabled = HasDynamicPatches(m_settings.Store(), name);
+    if (zip) EnablePatchBox(HasDynamicPatches(m_settings.Store(), name));
   } else {
     readOnly = !IsWritableByUser(SelectedPath());
     if (readOnly) {
+      EnablePatchBox(false);
       m_controls.SetEnabled(
-          {"mnu_header", "btnheader", "mnu_crc", "btncrc", "mnu_getcrc", "chkIPS", "mnu_patch"},
-          false);
+          {"mnu_header", "btnheader", "mnu_crc", "btncrc", "mnu_getcrc", "mnu_patch"}, false);
     } else {
       m_controls["mnu_getcrc"].enabled = true;
     }
     ShowImage(name, splitLater);
-    if (!splitLater)
-      m_controls["chkIPS"].enabled = !readOnly && HasDynamicPatches(m_settings.Store(), name);
+    if (!splitLater) EnablePatchBox(!readOnly && HasDynamicPatches(m_settings.Store(), name));
   }
 
   LoadOptionsForSelection(m_settings, name, m_controls["chkIPS"].enabled, m_options);
+  // The box keeps the last image's tick while it is off: never launch with it.
+  EnablePatchBox(m_controls["chkIPS"].enabled);
   m_controls["CmdCalib"].enabled = !m_options.disableJoypad;
 
   if (!zip) {
     m_texts.txtarquivo = readOnly ? kReadOnlyArchive : kNormalArchive;
     m_texts.txtarquivoColour = readOnly ? TextColour::Red : TextColour::Normal;
   }
+}
+
+void MainWindowModel::ShowNoSelection() {
+  m_panelShowsEntry = false;
+  m_previewable = false;
+  m_texts.caption = kAppTitle;
+  m_texts.txtTipo.clear();
+  m_texts.txtbits.clear();
+  m_texts.txtRAM.clear();
+  m_texts.txtDatName.clear();
+  m_texts.cmbSave.clear();
+  m_texts.cmbCartLang.clear();
+  m_countryIndex = 0;
+  if (!IsZipListing()) {
+    m_texts.txtarquivo = kNormalArchive;
+    m_texts.txtarquivoColour = TextColour::Normal;
+  }
+  EnableFileMenus(false);
+  EnablePatchBox(false);
+  m_controls.SetEnabled({"CmdLaunch", "CmdForce", "cmbSave", "cmdDeletaSave", "cmbCartLang"},
+                        false);
+}
+
+bool MainWindowModel::ReportVanishedFile() {
+  std::error_code error;
+  if (std::filesystem::exists(SelectedPath(), error) || error) return false;
+  m_host.ShowMessage(SelectedText() + " is no longer in " + m_diret +
+                         ": it was moved, renamed or deleted. The list is read again.",
+                     MessageIcon::Exclamation, kAppTitle);
+  m_selection.reset();
+  m_currentFileName.clear();
+  RefreshRomList();
+  return true;
+}
+
+void MainWindowModel::EnablePatchBox(bool enabled) {
+  m_controls["chkIPS"].enabled = enabled;
+  if (!enabled) m_options.activateDynamicPatch = false;
 }
 
 bool MainWindowModel::RenameFirstVolume(const std::string& name) {

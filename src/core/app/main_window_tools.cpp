@@ -9,29 +9,18 @@
 
 namespace romsteward {
 
-namespace {
-
-// Where the file dialogs start: the place, or the folder of an archive being listed.
-std::string DialogFolder(const std::string& diret, bool zip) {
-  if (!zip) return diret;
-  return PathToUtf8(Utf8ToPath(diret).parent_path());
-}
-
-}  // namespace
-
 void MainWindowModel::CreateIps() {
-  CreateIpsCommand(m_host, DialogFolder(m_diret, IsZipListing()));
+  CreateIpsCommand(m_host, DialogFolder());
   RefreshRomList();
 }
 
 void MainWindowModel::ApplyIps() {
-  ApplyIpsCommand(m_host, DialogFolder(m_diret, IsZipListing()));
+  ApplyIpsCommand(m_host, DialogFolder());
   RefreshRomList();
 }
 
 void MainWindowModel::JoinAnyFiles() {
-  if (JoinFiles(m_host, DialogFolder(m_diret, IsZipListing())) == CommandResult::Done)
-    RefreshRomList();
+  if (JoinFiles(m_host, DialogFolder()) == CommandResult::Done) RefreshRomList();
 }
 
 void MainWindowModel::SplitSelected() {

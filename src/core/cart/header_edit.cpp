@@ -106,13 +106,9 @@ Result<std::uint32_t> ParseHex(std::string_view text, std::string_view name, std
 // The image with `header` in place of its header bytes, written beside it and renamed over
 // it, so that a failure at any point leaves the image as it was.
 Status ReplaceHeader(const std::filesystem::path& image, Layout layout, const std::string& header) {
-  std::error_code error;
-  const std::filesystem::path target = std::filesystem::canonical(image, error);
-  if (error) return Error{"Cannot rewrite " + PathToUtf8(image) + ": " + error.message()};
-  const auto permissions = std::filesystem::status(target, error).permissions();
-  auto source = BinaryFile::Open(target);
+  auto source = BinaryFile::Open(image);
   if (!source) return source.error();
-  auto writer = AtomicFileWriter::Create(target);
+  auto writer = AtomicFileWriter::Create(image);
   if (!writer) return writer.error();
   if (auto copied = AppendFileRange(*source, 0, source->Size(), *writer); !copied)
     return copied.error();
@@ -122,9 +118,6 @@ Status ReplaceHeader(const std::filesystem::path& image, Layout layout, const st
     if (Status written = WriteHeaderBytes(header, *copy, kHeaderStart, layout); !written)
       return written;
   }
-  std::filesystem::permissions(writer->TemporaryPath(), permissions, error);
-  if (error)
-    return Error{"Cannot keep the permissions of " + PathToUtf8(image) + ": " + error.message()};
   return writer->Commit();
 }
 

@@ -13,22 +13,27 @@ namespace {
 
 std::uint64_t FileOffset(Layout layout, std::uint64_t logical, std::uint64_t fileLength) {
   switch (layout) {
-    case Layout::Md: return MdOffset(logical, fileLength);
+    case Layout::Md:
+      return MdOffset(logical, fileLength);
     case Layout::Smd:
     case Layout::SplitFirst:
-    case Layout::SplitLater: return SmdOffset(logical);
-    default: return logical;
+    case Layout::SplitLater:
+      return SmdOffset(logical);
+    default:
+      return logical;
   }
 }
 
-bool IsImageLayout(Layout layout) { return layout != Layout::NoRom; }
+bool IsImageLayout(Layout layout) {
+  return layout != Layout::NoRom;
+}
 
 // A run of logical bytes that lie side by side in the file.
 struct Run {
   std::uint64_t fileOffset;
   std::size_t firstIndex;  // index into the logical range
   std::size_t length;
-  std::size_t stride;      // distance between consecutive indexes of the run
+  std::size_t stride;  // distance between consecutive indexes of the run
 };
 
 // Interleaved layouts put the odd and even bytes of a range in two contiguous stretches
@@ -67,7 +72,8 @@ std::string ReadLogicalBytes(const BinaryFile& file, Layout layout, std::uint64_
   for (const Run& run : FileRuns(layout, position, count, length)) {
     buffer.assign(run.length, '\0');
     file.ReadInto(run.fileOffset, buffer);  // what lies past the end stays 0x00
-    for (std::size_t k = 0; k < run.length; ++k) out[run.firstIndex + k * run.stride] = buffer[k];
+    for (std::size_t k = 0; k < run.length; ++k)
+      out[run.firstIndex + k * run.stride] = buffer[k];
   }
   return out;
 }
@@ -79,11 +85,32 @@ std::string ReadHeaderBytes(const BinaryFile& file, std::uint64_t position, std:
 Status WriteHeaderBytes(std::string_view data, BinaryFile& file, std::uint64_t position,
                         Layout layout) {
   if (!IsImageLayout(layout)) return {};
-  const std::uint64_t length = file.Size();
+  const std::vector<Run> runs = FileRuns(layout, position, data.size(), file.Size());
+  if (runs.empty()) return {};
+  // The runs of an interleaved layout lie apart (8 KiB in an SMD block, half the file in MD):
+  // they go out in one write with the bytes between them as they are, so that a kill cannot
+  // leave half a field written.
+  std::uint64_t first = UINT64_MAX;
+  std::uint64_t end = 0;
+  for (const Run& run : runs) {
+    first = std::min(first, run.fileOffset);
+    end = std::max(end, run.fileOffset + run.length);
+  }
+  const auto fill = [&](const Run& run, char* out) {
+    for (std::size_t k = 0; k < run.length; ++k)
+      out[k] = data[run.firstIndex + k * run.stride];
+  };
   std::string buffer;
-  for (const Run& run : FileRuns(layout, position, data.size(), length)) {
+  if (end - first <= kMaxWholeFileSize) {
+    buffer.assign(static_cast<std::size_t>(end - first), '\0');
+    file.ReadInto(first, buffer);  // what lies past the end is written as 0x00, as before
+    for (const Run& run : runs)
+      fill(run, buffer.data() + (run.fileOffset - first));
+    return file.WriteAt(first, buffer);
+  }
+  for (const Run& run : runs) {
     buffer.resize(run.length);
-    for (std::size_t k = 0; k < run.length; ++k) buffer[k] = data[run.firstIndex + k * run.stride];
+    fill(run, buffer.data());
     if (Status written = file.WriteAt(run.fileOffset, buffer); !written) return written;
   }
   return {};
@@ -109,9 +136,12 @@ Result<std::string> ReadLogicalImage(const BinaryFile& file, Layout layout) {
                  "fix its size first so that no byte is lost."};
   }
   switch (layout) {
-    case Layout::Smd: return SmdDataToBin(data);
-    case Layout::Md: return MdToBin(data);
-    default: return std::string(data);
+    case Layout::Smd:
+      return SmdDataToBin(data);
+    case Layout::Md:
+      return MdToBin(data);
+    default:
+      return std::string(data);
   }
 }
 

@@ -32,18 +32,6 @@ std::string BlockCountByte(std::uint64_t fileLength) {
   return BuildSmdHeader(static_cast<std::int64_t>(fileLength / kBlockSize), false).substr(0, 1);
 }
 
-// The new contents through a temporary file, so the image is never half rewritten; the old
-// file's permissions carry over, and a link is followed rather than replaced.
-Status ReplaceFile(const std::filesystem::path& image, std::string_view contents) {
-  std::error_code error;
-  const std::filesystem::path target = std::filesystem::canonical(image, error);
-  if (error) return Error{"Cannot rewrite " + PathToUtf8(image) + ": " + error.message()};
-  const auto permissions = std::filesystem::status(target, error).permissions();
-  if (Status written = WriteFileAtomically(target, contents); !written) return written;
-  std::filesystem::permissions(target, permissions, error);
-  return {};
-}
-
 Status CutFile(const std::filesystem::path& image, std::uint64_t length) {
   auto file = BinaryFile::Open(image, BinaryFile::Mode::ReadWrite);
   if (!file) return file.error();
@@ -59,8 +47,12 @@ Status CutSmd(const std::filesystem::path& path, std::uint64_t dataLength) {
   if (file->Size() != length) {
     if (Status cut = file->Truncate(length); !cut) return cut;
   }
-  if (Status written = file->WriteAt(0, BlockCountByte(length)); !written) return written;
-  return file->WriteAt(2, std::string(1, '\0'));
+  // The block count and the last-volume flag go out in one write, byte 1 as it is.
+  std::string head = file->ReadAt(0, 3);
+  head.resize(3, '\0');
+  head[0] = BlockCountByte(length)[0];
+  head[2] = '\0';
+  return file->WriteAt(0, head);
 }
 
 Status TruncateSplitSet(const std::string& name, std::uint64_t romSize) {
@@ -144,7 +136,7 @@ Status TruncateRom(const std::filesystem::path& image, std::uint64_t romSize) {
       return CutSmd(image, romSize);
     // The whole file is one interleave, so a shorter image moves every byte.
     case Layout::Md:
-      return ReplaceFile(image, BinToMd(logical));
+      return WriteFileAtomically(image, BinToMd(logical));
     case Layout::SplitFirst:
       return TruncateSplitSet(name, romSize);
     default:

@@ -9,10 +9,18 @@ namespace romsteward {
 
 /// Writes a new file beside its target and renames it into place on Commit, so a reader
 /// never sees half a file and a failure leaves the old target (or none) behind.
-/// Dropped without Commit, the temporary file is removed.
+/// Dropped without Commit, the temporary file is removed. A file replaced keeps its
+/// permissions.
 class AtomicFileWriter {
 public:
-  static Result<AtomicFileWriter> Create(const std::filesystem::path& target);
+  /// What a target that is a symbolic link gets.
+  enum class AtLink {
+    WriteThrough,  ///< the file it leads to is replaced in its own folder; the link stays
+    Replace,       ///< the link itself is replaced (where no link may carry a write away)
+  };
+
+  static Result<AtomicFileWriter> Create(const std::filesystem::path& target,
+                                         AtLink atLink = AtLink::WriteThrough);
 
   AtomicFileWriter(AtomicFileWriter&& other) noexcept;
   AtomicFileWriter& operator=(AtomicFileWriter&&) = delete;
@@ -28,11 +36,13 @@ public:
   const std::filesystem::path& TemporaryPath() const { return m_temporary; }
 
 private:
-  AtomicFileWriter(int fd, std::filesystem::path target, std::filesystem::path temporary);
+  AtomicFileWriter(int fd, std::filesystem::path target, std::filesystem::path destination,
+                   std::filesystem::path temporary);
   void Discard();
 
   int m_fd = -1;
-  std::filesystem::path m_target;
+  std::filesystem::path m_target;       // as given, for messages
+  std::filesystem::path m_destination;  // the file renamed over: the target, links followed
   std::filesystem::path m_temporary;
 };
 

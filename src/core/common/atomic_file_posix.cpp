@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <stdio.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -22,34 +23,69 @@ Error ErrnoError(std::string_view what, const std::filesystem::path& path) {
 std::filesystem::path TemporaryBeside(const std::filesystem::path& target, unsigned salt) {
   static constexpr char kDigits[] = "0123456789abcdef";
   std::string suffix;
-  for (int i = 0; i < 8; ++i, salt >>= 4) suffix += kDigits[salt & 15];
+  for (int i = 0; i < 8; ++i, salt >>= 4)
+    suffix += kDigits[salt & 15];
   return target.parent_path() / ("." + PathToUtf8(target.filename()) + ".tmp-" + suffix);
+}
+
+// The file a symbolic link at `target` leads to (through any chain of links, even to a file
+// that does not exist yet), or `target` itself: the link stays, its file gets the contents.
+Result<std::filesystem::path> FollowLinks(const std::filesystem::path& target) {
+  std::filesystem::path at = target;
+  for (int hops = 0; hops < 40; ++hops) {
+    std::error_code error;
+    if (!std::filesystem::is_symlink(std::filesystem::symlink_status(at, error))) return at;
+    const std::filesystem::path next = std::filesystem::read_symlink(at, error);
+    if (error)
+      return Error{"Cannot follow the link " + PathToUtf8(target) + ": " + error.message()};
+    at = next.is_absolute() ? next : at.parent_path() / next;
+  }
+  return Error{"Cannot follow the link " + PathToUtf8(target) + ": too many levels of links",
+               ELOOP};
 }
 
 }  // namespace
 
-Result<AtomicFileWriter> AtomicFileWriter::Create(const std::filesystem::path& target) {
+Result<AtomicFileWriter> AtomicFileWriter::Create(const std::filesystem::path& target,
+                                                  AtLink atLink) {
+  auto destination =
+      atLink == AtLink::WriteThrough ? FollowLinks(target) : Result<std::filesystem::path>(target);
+  if (!destination) return destination.error();
+  // A file replaced whole keeps its permissions; a new one gets what the umask leaves.
+  struct stat old {};
+  const bool replacing = ::lstat(destination->c_str(), &old) == 0 && S_ISREG(old.st_mode);
   std::random_device entropy;
   for (int attempt = 0; attempt < 16; ++attempt) {
-    std::filesystem::path temporary = TemporaryBeside(target, entropy());
-    // 0666 lets the umask decide, as for any newly created file.
+    std::filesystem::path temporary = TemporaryBeside(*destination, entropy());
     const int fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (fd >= 0) return AtomicFileWriter(fd, target, std::move(temporary));
+    if (fd >= 0) {
+      AtomicFileWriter writer(fd, target, *destination, std::move(temporary));
+      if (replacing && ::fchmod(fd, old.st_mode & 07777) != 0)
+        return ErrnoError("Cannot keep the permissions of", target);
+      return writer;
+    }
     if (errno != EEXIST) return ErrnoError("Cannot create a file beside", target);
   }
   return Error{"Cannot create a temporary file beside " + PathToUtf8(target)};
 }
 
 AtomicFileWriter::AtomicFileWriter(int fd, std::filesystem::path target,
+                                   std::filesystem::path destination,
                                    std::filesystem::path temporary)
-    : m_fd(fd), m_target(std::move(target)), m_temporary(std::move(temporary)) {}
+    : m_fd(fd),
+      m_target(std::move(target)),
+      m_destination(std::move(destination)),
+      m_temporary(std::move(temporary)) {}
 
 AtomicFileWriter::AtomicFileWriter(AtomicFileWriter&& other) noexcept
     : m_fd(std::exchange(other.m_fd, -1)),
       m_target(std::move(other.m_target)),
+      m_destination(std::move(other.m_destination)),
       m_temporary(std::move(other.m_temporary)) {}
 
-AtomicFileWriter::~AtomicFileWriter() { Discard(); }
+AtomicFileWriter::~AtomicFileWriter() {
+  Discard();
+}
 
 void AtomicFileWriter::Discard() {
   if (m_fd < 0) return;
@@ -78,7 +114,7 @@ Status AtomicFileWriter::Commit() {
   }
   ::close(m_fd);
   m_fd = -1;
-  if (::rename(m_temporary.c_str(), m_target.c_str()) != 0) {
+  if (::rename(m_temporary.c_str(), m_destination.c_str()) != 0) {
     Status failed = ErrnoError("Cannot replace", m_target);
     ::unlink(m_temporary.c_str());
     return failed;

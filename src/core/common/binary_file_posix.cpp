@@ -25,15 +25,24 @@ Error ErrnoError(std::string_view what, const std::filesystem::path& path) {
 Result<BinaryFile> BinaryFile::Open(const std::filesystem::path& path, Mode mode) {
   const int flags = (mode == Mode::ReadWrite ? O_RDWR : O_RDONLY) | O_CLOEXEC;
   int fd;
+  // Without O_NONBLOCK a FIFO would wait here for a writer, for ever; what is no regular
+  // file is refused right after, so the flag never matters for what is read.
   do {
-    fd = ::open(path.c_str(), flags);
+    fd = ::open(path.c_str(), flags | O_NONBLOCK);
   } while (fd < 0 && errno == EINTR);
   if (fd < 0) return ErrnoError("Cannot open", path);
   struct stat info {};
-  if (::fstat(fd, &info) == 0 && S_ISDIR(info.st_mode)) {
+  if (::fstat(fd, &info) != 0) {
+    Error failed = ErrnoError("Cannot open", path);
     ::close(fd);
-    return Error{"Cannot open " + PathToUtf8(path) + ": it is a directory"};
+    return failed;
   }
+  if (!S_ISREG(info.st_mode)) {
+    ::close(fd);
+    return Error{"Cannot open " + PathToUtf8(path) + ": " +
+                 (S_ISDIR(info.st_mode) ? "it is a directory" : "it is not a regular file")};
+  }
+  ::fcntl(fd, F_SETFL, ::fcntl(fd, F_GETFL) & ~O_NONBLOCK);
   return BinaryFile(fd, path, mode);
 }
 

@@ -4,8 +4,12 @@
 
 #include <algorithm>
 #include <charconv>
+#include <functional>
 #include <pugixml.hpp>
+#include <span>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
@@ -13,12 +17,6 @@
 namespace romsteward {
 
 namespace {
-
-std::size_t LineAt(std::string_view text, std::ptrdiff_t offset) {
-  if (offset < 0) return 0;
-  const auto end = std::min<std::size_t>(static_cast<std::size_t>(offset), text.size());
-  return 1 + static_cast<std::size_t>(std::count(text.begin(), text.begin() + end, '\n'));
-}
 
 // The encoding named in the XML declaration, or "" when there is none. pugixml reads only
 // UTF-8, UTF-16, UTF-32 and Latin-1; it would take any other declaration for UTF-8 and
@@ -83,35 +81,81 @@ std::string ReadRom(const pugi::xml_node& node, DatRom& rom) {
   return {};
 }
 
-}  // namespace
+// Line numbers of byte offsets into a text, found once the text has been read through:
+// `read(offset, out)` fills `out` from `offset` and says how much it filled.
+class LineCounter {
+public:
+  explicit LineCounter(std::function<std::size_t(std::uint64_t, std::span<char>)> read)
+      : m_read(std::move(read)) {}
 
-Result<DatFile> ParseDatFile(std::string_view xml, std::string_view source) {
-  const std::string encoding = DeclaredEncoding(xml);
-  if (!IsReadableEncoding(encoding))
-    return Error{
-        fmt::format("{} is written in the encoding \"{}\", which cannot be read; "
-                    "save it as UTF-8",
-                    source, encoding)};
+  std::size_t Ask(std::ptrdiff_t offset) {
+    m_asked.push_back(static_cast<std::uint64_t>(std::max<std::ptrdiff_t>(offset, 0)));
+    return m_asked.size() - 1;
+  }
+  // The line of every offset asked, in the order asked, with one pass over the text.
+  std::vector<std::size_t> Lines() const {
+    std::vector<std::size_t> order(m_asked.size());
+    for (std::size_t i = 0; i < order.size(); ++i)
+      order[i] = i;
+    std::sort(order.begin(), order.end(),
+              [&](std::size_t a, std::size_t b) { return m_asked[a] < m_asked[b]; });
+    std::vector<std::size_t> lines(m_asked.size());
+    std::string chunk(1 << 20, '\0');
+    std::uint64_t at = 0;
+    std::size_t line = 1;
+    std::size_t held = 0;
+    std::size_t used = 0;
+    for (const std::size_t i : order) {
+      while (at < m_asked[i]) {
+        if (used == held) {
+          held = m_read(at, chunk);
+          used = 0;
+          if (held == 0) break;
+        }
+        const std::size_t take =
+            static_cast<std::size_t>(std::min<std::uint64_t>(held - used, m_asked[i] - at));
+        line += static_cast<std::size_t>(
+            std::count(chunk.data() + used, chunk.data() + used + take, '\n'));
+        used += take;
+        at += take;
+      }
+      lines[i] = line;
+    }
+    return lines;
+  }
 
-  pugi::xml_document document;
-  // Without parse_doctype the document type is skipped whole: declared entities are never
-  // expanded, external ones never fetched.
-  const pugi::xml_parse_result parsed = document.load_buffer(
-      xml.data(), xml.size(), pugi::parse_default & ~pugi::parse_doctype, pugi::encoding_auto);
-  if (!parsed)
+private:
+  std::function<std::size_t(std::uint64_t, std::span<char>)> m_read;
+  std::vector<std::uint64_t> m_asked;
+};
+
+// The DAT in `document`, parsed from a text `lines` can count lines of.
+Result<DatFile> ReadDocument(const pugi::xml_document& document,
+                             const pugi::xml_parse_result& parsed, std::string_view source,
+                             LineCounter& lines) {
+  if (!parsed) {
+    const std::size_t at = lines.Ask(parsed.offset);
     return Error{fmt::format("{} is not a readable DAT file: {} at line {}", source,
-                             parsed.description(), LineAt(xml, parsed.offset))};
+                             parsed.description(), lines.Lines()[at])};
+  }
   const pugi::xml_node root = document.child("datafile");
   if (!root)
     return Error{fmt::format("{} is not a DAT file: it has no \"datafile\" element", source)};
+  const auto notUtf8 = [&](const pugi::xml_node& node) {
+    const std::size_t at = lines.Ask(node.offset_debug());
+    return Error{
+        fmt::format("{} is not UTF-8 text as it declares (line {})", source, lines.Lines()[at])};
+  };
 
   DatFile dat;
   const pugi::xml_node header = root.child("header");
   dat.name = header.child_value("name");
   dat.description = header.child_value("description");
   dat.version = header.child_value("version");
-  const auto problem = [&](const pugi::xml_node& node, const std::string& what) {
-    dat.problems.push_back(fmt::format("line {}: {}", LineAt(xml, node.offset_debug()), what));
+  // Each problem's line is filled in at the end, all in one pass over the text.
+  std::vector<std::pair<std::size_t, std::string>> problems;
+  const auto problem = [&](const pugi::xml_node& node, std::string what) {
+    problems.emplace_back(lines.Ask(node.offset_debug()), std::move(what));
   };
   // "machine" is what newer Logiqx files call a game.
   for (const pugi::xml_node& node : root.children()) {
@@ -119,9 +163,7 @@ Result<DatFile> ParseDatFile(std::string_view xml, std::string_view source) {
     if (element != "game" && element != "machine") continue;
     DatGame game;
     game.name = node.attribute("name").as_string();
-    if (!IsUtf8(game.name))
-      return Error{fmt::format("{} is not UTF-8 text as it declares (line {})", source,
-                               LineAt(xml, node.offset_debug()))};
+    if (!IsUtf8(game.name)) return notUtf8(node);
     if (game.name.empty()) {
       problem(node, "a game without a name is left out");
       continue;
@@ -129,9 +171,7 @@ Result<DatFile> ParseDatFile(std::string_view xml, std::string_view source) {
     for (const pugi::xml_node& romNode : node.children("rom")) {
       DatRom rom;
       const std::string damage = ReadRom(romNode, rom);
-      if (!IsUtf8(rom.name))
-        return Error{fmt::format("{} is not UTF-8 text as it declares (line {})", source,
-                                 LineAt(xml, romNode.offset_debug()))};
+      if (!IsUtf8(rom.name)) return notUtf8(romNode);
       if (!damage.empty()) {
         problem(romNode, fmt::format("game \"{}\": {}; left out", game.name, damage));
         continue;
@@ -140,27 +180,70 @@ Result<DatFile> ParseDatFile(std::string_view xml, std::string_view source) {
     }
     if (!game.roms.empty()) dat.games.push_back(std::move(game));
   }
+  const std::vector<std::size_t> numbers = lines.Lines();
+  for (const auto& [at, what] : problems)
+    dat.problems.push_back(fmt::format("line {}: {}", numbers[at], what));
   return dat;
+}
+
+Error UnreadableEncoding(std::string_view source, std::string_view encoding) {
+  return Error{
+      fmt::format("{} is written in the encoding \"{}\", which cannot be read; "
+                  "save it as UTF-8",
+                  source, encoding)};
+}
+
+Error TooLarge(std::string_view source) {
+  return Error{fmt::format("{} is larger than {} MiB; no DAT file is that large", source,
+                           kMaxDatFileSize / (1024 * 1024))};
+}
+
+// Without parse_doctype the document type is skipped whole: declared entities are never
+// expanded, external ones never fetched.
+constexpr unsigned kParseOptions = pugi::parse_default & ~pugi::parse_doctype;
+
+}  // namespace
+
+Result<DatFile> ParseDatFile(std::string_view xml, std::string_view source) {
+  const std::string encoding = DeclaredEncoding(xml);
+  if (!IsReadableEncoding(encoding)) return UnreadableEncoding(source, encoding);
+  pugi::xml_document document;
+  const pugi::xml_parse_result parsed =
+      document.load_buffer(xml.data(), xml.size(), kParseOptions, pugi::encoding_auto);
+  LineCounter lines([xml](std::uint64_t offset, std::span<char> out) {
+    if (offset >= xml.size()) return std::size_t{0};
+    const std::string_view part = xml.substr(static_cast<std::size_t>(offset), out.size());
+    std::copy(part.begin(), part.end(), out.begin());
+    return part.size();
+  });
+  return ReadDocument(document, parsed, source, lines);
 }
 
 Result<DatFile> ReadDatFile(const std::filesystem::path& path) {
   const std::string shown = PathToUtf8(path);
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(path, error))
+  // Opened before anything else, so that a FIFO or a device is refused rather than waited on.
+  auto file = BinaryFile::Open(path);
+  if (!file) {
+    std::error_code error;
+    if (std::filesystem::is_regular_file(path, error)) return file.error();
     return Error{
         fmt::format("{} is not a DAT file: {}", shown,
                     std::filesystem::exists(path, error) ? "not a regular file" : "no such file")};
-  const auto size = std::filesystem::file_size(path, error);
-  if (!error && size > kMaxDatFileSize)
-    return Error{fmt::format("{} is larger than {} MiB; no DAT file is that large", shown,
-                             kMaxDatFileSize / (1024 * 1024))};
-  auto text = ReadWholeFile(path);
-  if (!text) return text.error();
-  // The file may have grown since it was measured.
-  if (text->size() > kMaxDatFileSize)
-    return Error{fmt::format("{} is larger than {} MiB; no DAT file is that large", shown,
-                             kMaxDatFileSize / (1024 * 1024))};
-  return ParseDatFile(*text, shown);
+  }
+  if (file->Size() > kMaxDatFileSize) return TooLarge(shown);
+  // One copy of the text, parsed in place: a DAT of a few hundred megabytes is held once,
+  // beside its parsed tree. The text is changed by the parse, so lines are counted from the
+  // file itself.
+  std::string text(static_cast<std::size_t>(file->Size()), '\0');
+  text.resize(file->ReadInto(0, text));
+  const std::string encoding = DeclaredEncoding(text);
+  if (!IsReadableEncoding(encoding)) return UnreadableEncoding(shown, encoding);
+  pugi::xml_document document;
+  const pugi::xml_parse_result parsed =
+      document.load_buffer_inplace(text.data(), text.size(), kParseOptions, pugi::encoding_auto);
+  LineCounter lines(
+      [&file](std::uint64_t offset, std::span<char> out) { return file->ReadInto(offset, out); });
+  return ReadDocument(document, parsed, shown, lines);
 }
 
 }  // namespace romsteward

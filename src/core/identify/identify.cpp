@@ -81,7 +81,10 @@ void AddArchive(const std::filesystem::path& path, std::vector<IdentifiedImage>&
     images.push_back(std::move(image));
   }
   if (!listing->damage.empty())
-    images.push_back(Entry(shown, path, "The ZIP archive is damaged: " + listing->damage));
+    images.push_back(
+        Entry(shown, path,
+              fmt::format("The {} archive {} is damaged: {}",
+                          ArchiveFormatName(ArchiveFormatOf(path)), shown, listing->damage)));
 }
 
 void AddDirectory(const std::filesystem::path& dir, std::vector<IdentifiedImage>& images) {
@@ -168,7 +171,11 @@ std::vector<IdentifiedImage> CollectImages(const std::vector<std::string>& place
       else
         images.push_back(Entry(place, path));
     } else {
-      images.push_back(Entry(place, path, fmt::format("{}: no such file or directory", place)));
+      const bool exists = std::filesystem::exists(path, error);
+      images.push_back(
+          Entry(place, path,
+                fmt::format("{}: {}", place,
+                            exists ? "it is not a regular file" : "no such file or directory")));
     }
   }
   return images;

@@ -122,6 +122,13 @@ void LocateEmulator(Host& host, AppSettings& settings, const EmulatorProfile& pr
   FileDialog dialog;
   dialog.title = profile.dialogTitle;
   dialog.filters = {profile.filter};
+  // Where the emulator was last found, else where Debian installs games.
+  const std::filesystem::path known =
+      Utf8ToPath(settings.GetSetting(kSectionSettings, profile.pathKey)).parent_path();
+  std::error_code error;
+  dialog.initialDir = !known.empty() && std::filesystem::is_directory(known, error)
+                          ? PathToUtf8(known)
+                          : std::string(kGamesFolder);
   const auto chosen = host.ChooseOpenFile(dialog);
   if (!chosen || chosen->empty()) return;
   if (Status saved = settings.SaveSetting(kSectionSettings, profile.pathKey, *chosen); !saved) {

@@ -8,7 +8,7 @@
 namespace romsteward {
 
 std::vector<std::filesystem::path> ProgramSearchFolders() {
-  std::vector<std::filesystem::path> folders{"/usr/games"};
+  std::vector<std::filesystem::path> folders{Utf8ToPath(kGamesFolder)};
   if (const char* path = std::getenv("PATH")) {
     std::string_view rest(path);
     while (!rest.empty()) {

@@ -7,6 +7,9 @@
 
 namespace romsteward {
 
+/// Where Debian installs its games and emulators; not on every PATH.
+inline constexpr std::string_view kGamesFolder = "/usr/games";
+
 /// Where installed programs are looked for: /usr/games first (Debian puts its emulators
 /// there, and it is not on every PATH), then the absolute folders of PATH in their order.
 std::vector<std::filesystem::path> ProgramSearchFolders();

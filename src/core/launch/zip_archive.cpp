@@ -8,12 +8,12 @@
 #include <memory>
 #include <system_error>
 
-#include "core/host/app_title.h"
-#include "core/host/host.h"
 #include "core/common/atomic_file.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
 #include "core/common/wildcard.h"
+#include "core/host/app_title.h"
+#include "core/host/host.h"
 
 namespace romsteward {
 
@@ -61,12 +61,15 @@ bool IsLink(archive_entry* entry) {
          archive_entry_symlink(entry) != nullptr;
 }
 
+// The steps of a member's name. "." steps name the folder they stand in and are dropped, so
+// "a/./b" and "a/b" are one file, and no step ever names a folder where a file should go.
 std::vector<std::string> SplitMemberName(std::string_view name) {
   std::vector<std::string> parts;
   std::size_t start = 0;
   for (std::size_t i = 0; i <= name.size(); ++i) {
     if (i == name.size() || name[i] == '/' || name[i] == '\\') {
-      if (i > start) parts.emplace_back(name.substr(start, i - start));
+      const std::string_view part = name.substr(start, i - start);
+      if (!part.empty() && part != ".") parts.emplace_back(part);
       start = i + 1;
     }
   }
@@ -143,7 +146,9 @@ Status ReadCurrent(archive* reader, archive_entry* entry, std::string_view kind,
 Status ExtractCurrent(archive* reader, archive_entry* entry, std::string_view kind,
                       std::string_view member, const std::filesystem::path& target,
                       std::uint64_t sizeLimit) {
-  auto writer = AtomicFileWriter::Create(target);
+  // A link planted in the temporary folder under the member's name is replaced, never
+  // written through.
+  auto writer = AtomicFileWriter::Create(target, AtomicFileWriter::AtLink::Replace);
   if (!writer) return writer.error();
   if (Status read = ReadCurrent(reader, entry, kind, member, sizeLimit,
                                 [&writer](std::string_view data) { return writer->Write(data); });
@@ -173,17 +178,16 @@ std::string_view ArchiveFormatName(ArchiveFormat format) {
 
 Result<ZipListing> ListZipEntries(const std::filesystem::path& path, std::string_view masks) {
   auto reader = OpenZip(path);
-  if (!reader) {
-    // A file that opens but is no readable archive at all is simply all damage.
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) return reader.error();
-    return ZipListing{{}, reader.error().message};
-  }
+  if (!reader) return reader.error();
   ZipListing listing;
   archive_entry* entry = nullptr;
-  while (true) {
+  for (bool first = true;; first = false) {
     const int status = archive_read_next_header(reader->get(), &entry);
     if (status == ARCHIVE_EOF) break;
+    // Not even one member: the file only starts like an archive.
+    if (status < ARCHIVE_WARN && first)
+      return Error{"Cannot read the " + std::string(ArchiveFormatName(ArchiveFormatOf(path))) +
+                   " archive " + PathToUtf8(path) + ": " + ErrorText(reader->get())};
     if (status < ARCHIVE_WARN) {
       listing.damage = ErrorText(reader->get());
       break;
@@ -232,10 +236,11 @@ std::string UnsafeMemberNameReason(std::string_view name) {
   if (name.find('\0') != std::string_view::npos) return "its name holds a NUL byte";
   if (name.front() == '/' || name.front() == '\\' || (name.size() >= 2 && name[1] == ':'))
     return "its name is an absolute path";
-  for (const std::string& part : SplitMemberName(name)) {
+  const std::vector<std::string> parts = SplitMemberName(name);
+  for (const std::string& part : parts) {
     if (part == "..") return "its name leads out of the folder it is extracted to";
   }
-  if (name.back() == '/' || name.back() == '\\') return "it is a folder";
+  if (parts.empty() || name.back() == '/' || name.back() == '\\') return "it is a folder";
   return {};
 }
 

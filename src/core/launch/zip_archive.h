@@ -58,7 +58,8 @@ struct ZipListing {
 };
 
 /// The members of `archive` matching any of `masks` (joined by ";"), folders and links left
-/// out. Fails only when the file cannot be opened at all.
+/// out. Fails when the file cannot be opened, or not one member of it can be read (a file
+/// that only starts like an archive).
 Result<ZipListing> ListZipEntries(const std::filesystem::path& archive, std::string_view masks);
 
 /// Reads each regular member matching `masks` into memory, one at a time in archive order,

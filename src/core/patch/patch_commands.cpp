@@ -1,5 +1,8 @@
 #include "core/patch/patch_commands.h"
 
+#include <fmt/format.h>
+
+#include <optional>
 #include <string>
 
 #include "core/common/binary_file.h"
@@ -10,34 +13,56 @@
 
 namespace romsteward {
 
-std::size_t StoreIpsAsDynamicPatches(Host& host, RegistryStore& store,
-                                     const std::filesystem::path& image, std::string_view listText,
-                                     std::string_view ips, std::string_view ipsName,
-                                     std::string_view baseName) {
+CommandResult StoreIpsAsDynamicPatches(Host& host, RegistryStore& store,
+                                       const std::filesystem::path& image,
+                                       std::string_view listText, std::string_view ips,
+                                       std::string_view ipsName, std::string_view baseName) {
   auto file = BinaryFile::Open(image);
-  if (!file) {
-    host.ShowMessage(file.error().message, MessageIcon::Critical, kDefaultTitle);
-    return 0;
-  }
+  if (!file) return ShowFailure(host, file.error());
   const IpsContents contents = ParseIps(ips);
+  const std::size_t total = contents.records.size();
+  const bool many = total > kManyIpsRecords;
+  if (many && host.AskYesNo(fmt::format("{} holds {} records: each would become a dynamic patch "
+                                        "of its own. Store all {}?",
+                                        ipsName, FormatThousands(total), FormatThousands(total)),
+                            MessageIcon::Question, kDefaultTitle) != Answer::Yes)
+    return CommandResult::Cancelled;
+
+  std::optional<ScopedProgress> progress;
+  if (many) progress.emplace(host, "Storing dynamic patches");
   std::size_t count = 0;
-  for (const IpsRecord& record : contents.records) {
-    PatchValue patch{record.offset + 1ULL, std::string(record.data),
-                     file->ReadAt(record.offset, record.data.size())};
-    const std::string name = std::string(baseName) + std::to_string(count);
-    if (!StorePatch(store, listText, name, patch)) {
-      host.ShowMessage(kRegistryError, MessageIcon::Critical, kDefaultTitle);
-    }
-    ++count;  // a failed write still uses up its number, so later names keep their record
+  bool cancelled = false;
+  const Status stored = store.SetValuesFrom(
+      PatchKeyPath(), [&]() -> Result<std::optional<RegistryStore::NamedValue>> {
+        if (count == total) return std::optional<RegistryStore::NamedValue>();
+        if (many && count % 1024 == 0 && !host.SetProgress(static_cast<int>(count * 100 / total))) {
+          cancelled = true;
+          return Error{"cancelled"};
+        }
+        const IpsRecord& record = contents.records[count];
+        const PatchValue patch{record.offset + 1ULL, std::string(record.data),
+                               file->ReadAt(record.offset, record.data.size())};
+        RegistryStore::NamedValue value{
+            PatchValueName(listText, std::string(baseName) + std::to_string(count)),
+            EncodePatchValue(patch)};
+        ++count;
+        return std::optional<RegistryStore::NamedValue>(std::move(value));
+      });
+  progress.reset();
+  // All or nothing: a cancel or a failure half-way leaves the store as it was.
+  if (cancelled) {
+    host.ShowMessage("No dynamic patch was stored.", MessageIcon::Information, kDefaultTitle);
+    return CommandResult::Cancelled;
   }
+  if (!stored) return ShowFailure(host, Error{std::string(kRegistryError)});
   if (const std::string damage = DescribeIpsDamage(contents, ipsName, "converted");
       !damage.empty()) {
     host.ShowMessage(damage, MessageIcon::Exclamation, kDefaultTitle);
   }
   host.ShowMessage(
-      "Romsteward generated " + std::to_string(count) + " dynamic patches from the IPS!",
+      "Romsteward generated " + std::to_string(total) + " dynamic patches from the IPS!",
       MessageIcon::None, kDefaultTitle);
-  return count;
+  return CommandResult::Done;
 }
 
 void ConvertIpsToDynamicPatchesCommand(Host& host, RegistryStore& store,

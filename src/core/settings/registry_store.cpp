@@ -226,24 +226,41 @@ Status RegistryStore::SetValue(std::string_view keyPath, std::string_view name,
 
 Status RegistryStore::SetValues(std::string_view keyPath,
                                 const std::vector<std::pair<std::string, std::string>>& values) {
+  std::size_t next = 0;
+  return SetValuesFrom(keyPath, [&]() -> Result<std::optional<NamedValue>> {
+    if (next == values.size()) return std::optional<NamedValue>();
+    return std::optional<NamedValue>(values[next++]);
+  });
+}
+
+Status RegistryStore::SetValuesFrom(
+    std::string_view keyPath, const std::function<Result<std::optional<NamedValue>>()>& next) {
   if (TrimKeyPath(keyPath).empty()) {
     return Error{fmt::format("Cannot write to the settings file \"{}\": no key was named",
                              m_impl->FileName())};
   }
-  for (const auto& [name, data] : values) {
-    if (name.find('\0') != std::string::npos) {
-      return Error{fmt::format("Cannot write the value \"{}\": a name cannot hold a 0x00 byte",
-                               Describe(name))};
-    }
-  }
-  return m_impl->InWriteTransaction([&] {
+  std::optional<Error> stopped;
+  Status written = m_impl->InWriteTransaction([&] {
     const std::int64_t keyId = m_impl->CreateKey(keyPath);
     if (keyId == 0) return false;
-    for (const auto& [name, data] : values) {
+    while (true) {
+      auto value = next();
+      if (!value) {
+        stopped = value.error();
+        return false;
+      }
+      if (!*value) return true;
+      const auto& [name, data] = **value;
+      if (name.find('\0') != std::string::npos) {
+        stopped = Error{fmt::format("Cannot write the value \"{}\": a name cannot hold a 0x00 byte",
+                                    Describe(name))};
+        return false;
+      }
       if (!m_impl->Upsert(keyId, name, data)) return false;
     }
-    return true;
   });
+  if (stopped) return *stopped;
+  return written;
 }
 
 Result<std::string> RegistryStore::GetValue(std::string_view keyPath, std::string_view name) const {

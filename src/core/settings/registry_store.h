@@ -1,7 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -37,6 +39,12 @@ public:
   /// Several values of one key in one transaction: all are written or none.
   Status SetValues(std::string_view keyPath,
                    const std::vector<std::pair<std::string, std::string>>& values);
+  /// Values of one key made one at a time by `next` (nullopt when there are no more), in one
+  /// transaction: all are written or none. An Error from `next` (a cancel) writes nothing and
+  /// is returned.
+  using NamedValue = std::pair<std::string, std::string>;
+  Status SetValuesFrom(std::string_view keyPath,
+                       const std::function<Result<std::optional<NamedValue>>()>& next);
   Result<std::string> GetValue(std::string_view keyPath, std::string_view name) const;
   bool HasValue(std::string_view keyPath, std::string_view name) const;
   Status DeleteValue(std::string_view keyPath, std::string_view name);

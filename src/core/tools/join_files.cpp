@@ -45,7 +45,12 @@ CommandResult JoinRom(Host& host, const fs::path& anyVolume) {
   std::string header = volumes.front().ReadAt(0, kCopierHeaderSize);
   if (header.size() < kCopierHeaderSize)
     return ShowFailure(host, Error{"Cannot join: " + PathToUtf8(volumes.front().Path()) +
-                            " is too short to be a split volume"});
+                                   " is too short to be a split volume"});
+  // Each volume but the last says that more follow: a set that stops at a gap says so too.
+  if (volumes.back().ReadAt(2, 1) == "\x40")
+    return ShowFailure(host, Error{"Cannot join: " + PathToUtf8(volumes.back().Path()) +
+                                   " says more volumes follow, but there is no " + base +
+                                   std::to_string(volumes.size() + 1)});
 
   const fs::path target = Utf8ToPath(base + "smd");
   std::error_code error;

@@ -2,11 +2,11 @@
 
 #include <system_error>
 
-#include "core/host/app_title.h"
-#include "core/host/host.h"
 #include "core/common/atomic_file.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
+#include "core/host/app_title.h"
+#include "core/host/host.h"
 #include "core/identify/chosen_dat.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"
@@ -97,6 +97,9 @@ void RomListForm::CreateList(Host& host, const AppSettings& settings, const RomL
   dialog.title = "Select list file";
   dialog.filters = {{"Any text file", "*.txt;*.html"}};
   dialog.initialName = "romlist.txt";
+  // Beside the collection it lists; an archive's list goes beside the archive.
+  dialog.initialDir =
+      source.zip ? PathToUtf8(Utf8ToPath(source.place).parent_path()) : source.place;
   const std::optional<std::string> output = host.ChooseSaveFile(dialog);
   if (!output || output->empty()) return;
 

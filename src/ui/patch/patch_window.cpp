@@ -85,24 +85,44 @@ PatchWindow::PatchWindow(PatchDialogModel& model, QWidget* parent)
   form->addRow(ToQt(Texts::kValueLabel), m_txtval);
   form->addRow(ToQt(Texts::kPositionLabel), m_txtpos);
   form->addRow(ToQt(Texts::kSizeLabel), size);
+  // Our own addition: Save closes nothing, so this line tells that the patch is stored.
+  m_saved = new QLabel(this);
+  m_saved->setObjectName("lblSaved");
   auto* buttons = new QDialogButtonBox(this);
   QPushButton* close = buttons->addButton("&Close", QDialogButtonBox::RejectRole);
   close->setObjectName("CmdX1");
   auto* layout = new QVBoxLayout(this);
   layout->setMenuBar(bar);
   layout->addLayout(form);
+  layout->addWidget(m_saved);
   layout->addWidget(buttons);
+  // The fields in the order they are filled in, then the commands.
+  setTabOrder(m_txtNome, m_txtval);
+  setTabOrder(m_txtval, m_txtpos);
+  setTabOrder(m_txtpos, save);
+  setTabOrder(save, close);
 
-  connect(m_txtNome, &QLineEdit::textEdited, this,
-          [this](const QString& text) { m_model.SetName(FromQt(text)); });
-  connect(m_txtval, &QLineEdit::textChanged, this,
-          [this](const QString& text) { m_model.SetValue(FromQt(text)); });
-  connect(m_txtpos, &QLineEdit::textEdited, this,
-          [this](const QString& text) { m_model.SetPosition(FromQt(text)); });
+  connect(m_txtNome, &QLineEdit::textEdited, this, [this](const QString& text) {
+    m_model.SetName(FromQt(text));
+    m_saved->clear();
+  });
+  connect(m_txtval, &QLineEdit::textChanged, this, [this](const QString& text) {
+    m_model.SetValue(FromQt(text));
+    m_saved->clear();
+  });
+  connect(m_txtpos, &QLineEdit::textEdited, this, [this](const QString& text) {
+    m_model.SetPosition(FromQt(text));
+    m_saved->clear();
+  });
   // Saving may put a "0" before an odd count of digits: the field shows what was stored.
   connect(save, &QPushButton::clicked, this, [this] {
-    m_model.Save();
+    const bool stored = m_model.Save();
     ShowValue();
+    if (stored)
+      m_saved->setText(QString("Saved \"%1\": %2 byte(s) at position %3.")
+                           .arg(ToQt(m_model.Name()))
+                           .arg(m_model.Value().size() / 2)
+                           .arg(ToQt(m_model.Position()).toUpper()));
   });
   connect(hexa, &QAction::triggered, this, [this] {
     m_model.ConvertValueToHex();

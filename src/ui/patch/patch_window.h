@@ -40,6 +40,7 @@ private:
   QLineEdit* m_txtNome = nullptr;
   QLineEdit* m_txtval = nullptr;
   QLineEdit* m_txtpos = nullptr;
+  QLabel* m_saved = nullptr;
   QMenu* m_editMenu = nullptr;
 };
 

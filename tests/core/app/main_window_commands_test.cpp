@@ -67,7 +67,16 @@ TEST_F(MainWindowCommandsTest, StartUpReadsTheChecksShowsTheNoticeAndOpensTheLas
   LocateEmulator(host, settings, *FindEmulatorProfile("kgen"), {});
   EXPECT_EQ(host.Events().back().dialog.title, "Locate KGen.exe");
   EXPECT_EQ(host.Events().back().dialog.filters[0].patterns, "kgen.exe");
+  EXPECT_EQ(host.Events().back().dialog.initialDir, "/usr/games");
   EXPECT_EQ(settings.GetSetting(kSectionSettings, "KGen"), "/games/kgen.exe");
+  // Located again, it opens where the emulator was found, while that folder is there.
+  const std::string emulators = MakeDir("emulators");
+  host.AnswerOpenFile(JoinDirName(emulators, "kgen.exe"));
+  LocateEmulator(host, settings, *FindEmulatorProfile("kgen"));
+  EXPECT_EQ(host.Events().back().dialog.initialDir, "/usr/games");  // /games is not there
+  host.AnswerOpenFile(std::nullopt);
+  LocateEmulator(host, settings, *FindEmulatorProfile("kgen"));
+  EXPECT_EQ(host.Events().back().dialog.initialDir, emulators);
   MainWindowModel again(host, settings);
   again.SetProgramFolders({});
   again.Start();
@@ -221,11 +230,21 @@ TEST_F(MainWindowCommandsTest, FileCommandsAndDropsRefreshTheList) {
   host.AnswerText("gamma.smd");
   model.RenameSelected();
   EXPECT_THAT(model.Entries(), ElementsAre("alpha.bin", "gamma.smd"));
+  EXPECT_EQ(model.SelectedText(), "gamma.smd");
+  // In type order the halving search would lose it: the renamed entry is found by its name.
+  model.ChooseSort(SortOrder::Type);
+  model.Select(1);
+  host.AnswerText("aaa.smd");
+  model.RenameSelected();
+  EXPECT_THAT(model.Entries(), ElementsAre("alpha.bin", "aaa.smd"));
+  EXPECT_EQ(model.SelectedText(), "aaa.smd");
+  EXPECT_EQ(model.Texts().caption, "Genesis Romsteward - DEMO CARTRIDGE");
+  model.ChooseSort(SortOrder::Name);
 
   const std::string outside = MakeDir("elsewhere");
   const std::string dropped = Put(outside, "delta.md", ImageBytes(Layout::Md));
   model.DropFiles(std::vector<std::string>{dropped});
-  EXPECT_THAT(model.Entries(), ElementsAre("alpha.bin", "delta.md", "gamma.smd"));
+  EXPECT_THAT(model.Entries(), ElementsAre("aaa.smd", "alpha.bin", "delta.md"));
   EXPECT_TRUE(PathExists(dropped, PathKind::File));  // copied, not moved
 
   model.DropFiles(std::nullopt);
@@ -235,7 +254,7 @@ TEST_F(MainWindowCommandsTest, FileCommandsAndDropsRefreshTheList) {
   host.SetShiftHeld(true);
   host.AnswerYesNo(Answer::Yes);
   model.DeleteSelected();
-  EXPECT_THAT(model.Entries(), ElementsAre("delta.md", "gamma.smd"));
+  EXPECT_THAT(model.Entries(), ElementsAre("alpha.bin", "delta.md"));
   EXPECT_EQ(model.Selection(), std::nullopt);
 }
 

@@ -39,6 +39,19 @@ protected:
       EXPECT_EQ(model.Controls()[name].enabled, enabled) << name;
   }
 
+  // Nothing selected: no texts of an entry, and off whatever works on one.
+  void ExpectNothingShown() {
+    const WindowTexts& texts = model.Texts();
+    EXPECT_EQ(texts.caption, "Genesis Romsteward");
+    EXPECT_EQ(texts.txtTipo + texts.txtbits + texts.txtRAM, "");
+    EXPECT_THAT(texts.cmbSave, IsEmpty());
+    EXPECT_THAT(texts.cmbCartLang, IsEmpty());
+    ExpectFileMenus(false);
+    for (const char* name : {"CmdLaunch", "chkIPS", "cmbSave", "cmbCartLang", "CmdForce"})
+      EXPECT_FALSE(model.Controls()[name].enabled) << name;
+    EXPECT_FALSE(model.Options().activateDynamicPatch);
+  }
+
   MainWindowModel model{host, settings};
 };
 
@@ -104,6 +117,48 @@ TEST_F(MainWindowModelTest, TheSelectionIsShownAfreshInEachPlace) {
   ExpectFileMenus(false);
 }
 
+TEST_F(MainWindowModelTest, WithNothingSelectedThePanelIsEmptyAndNothingActsOnTheOldEntry) {
+  const std::string other = MakeDir("other");
+  Put(other, "z.bin", ImageBytes(Layout::Bin));
+  const std::string dir = Collection();
+  ASSERT_TRUE(model.SetDiret(other));
+  ExpectNothingShown();  // a fresh place selects nothing
+  model.Select(0);
+  ExpectFileMenus(true);
+  EXPECT_TRUE(model.Controls()["CmdLaunch"].enabled);
+
+  // A place where the name is not listed.
+  ASSERT_TRUE(model.SetDiret(dir));
+  EXPECT_EQ(model.Selection(), std::nullopt);
+  ExpectNothingShown();
+  EXPECT_EQ(model.LaunchRequestForSelection().entryText, "");
+
+  // A sort that loses the selection, and back on an entry everything returns.
+  model.Select(2);
+  EXPECT_EQ(model.SelectedText(), "c.1");
+  EXPECT_NE(model.Texts().txtTipo, "");
+  model.ChooseSort(SortOrder::Type);
+  ExpectNothingShown();
+  model.Select(1);
+  EXPECT_EQ(model.SelectedText(), "A Game.bin");
+  ExpectFileMenus(true);
+  EXPECT_EQ(model.Texts().txtbits, "Size: 2 Mb");
+  EXPECT_TRUE(model.Controls()["CmdForce"].enabled);
+}
+
+TEST_F(MainWindowModelTest, AFileGoneBehindOurBackIsReportedAndDropsFromTheList) {
+  const std::string dir = Collection();
+  ASSERT_TRUE(model.SetDiret(dir));
+  model.Select(0);
+  std::filesystem::remove(PathOf("roms/b game.smd"));
+  model.Select(1);
+  ASSERT_EQ(host.Texts().size(), 1u);
+  EXPECT_THAT(host.Texts()[0], HasSubstr("b game.smd is no longer in " + dir));
+  EXPECT_THAT(model.Entries(), ElementsAre("A Game.bin", "c.1"));
+  EXPECT_EQ(model.Texts().txtFiles, "2 file(s)");
+  ExpectNothingShown();
+}
+
 TEST_F(MainWindowModelTest, AZipArchiveListsItsMembersInArchiveOrder) {
   const std::string zip = Put(MakeDir("zips"), "set.zip",
                               Zip({{"z last.bin", ImageBytes(Layout::Bin)},
@@ -146,6 +201,7 @@ TEST_F(MainWindowModelTest, TheOpenCommandsRefuseWhatCannotBeAPlace) {
                                         std::string(kTempFolderMissing)));
   EXPECT_EQ(host.Events()[0].title, "Choose a ROM directory");
   EXPECT_EQ(host.Events()[2].title, "Choose a ZIP directory");
+  EXPECT_EQ(host.Events()[2].dialog.initialDir, "");  // no place yet
   EXPECT_EQ(model.Diret(), "");
   EXPECT_THAT(History(true), ElementsAre("", "", "", "", ""));
 
@@ -156,6 +212,7 @@ TEST_F(MainWindowModelTest, TheOpenCommandsRefuseWhatCannotBeAPlace) {
   host.AnswerOpenFile(zip);
   model.OpenZipDirectory();
   EXPECT_EQ(model.Diret(), zip);
+  EXPECT_EQ(host.Events().back().dialog.initialDir, dir);  // the dialog opened in the place
   EXPECT_THAT(model.Entries(), ElementsAre("game.bin"));
   EXPECT_THAT(History(true), ElementsAre(zip, dir, "", "", ""));
   EXPECT_TRUE(model.Controls()["mnu_dirs(1)"].visible && !model.Controls()["mnu_dirs(2)"].visible);

@@ -129,7 +129,10 @@ TEST_F(SelectionPanelTest, AReadOnlyImageCanBeLaunchedButNotWritten) {
 
   SelectName("other.smd");
   EXPECT_TRUE(On("chkIPS"));
+  model.Options().activateDynamicPatch = true;
   SelectName("game.bin");
+  // Its patches cannot be written: the box is off and unticked, and a launch patches nothing.
+  EXPECT_FALSE(model.LaunchRequestForSelection().options.activateDynamicPatch);
   EXPECT_EQ(model.Texts().txtarquivo, "Read-only archive");
   ExpectOn({"mnu_header", "btnheader", "mnu_crc", "btncrc", "mnu_getcrc", "chkIPS", "mnu_patch"},
            false);

@@ -105,5 +105,23 @@ TEST_F(DatFileOnDisk, RefusesWhatIsNoDatFileBeforeReadingIt) {
   EXPECT_TRUE(ReadDatFile(Put("empty-set.dat", "<datafile/>")).ok());
 }
 
+// Larger than any image, patch or template is read whole, and the lines of its problems
+// are still counted right though the text was parsed in place.
+TEST_F(DatFileOnDisk, ADatOfTensOfMegabytesIsReadWithItsLines) {
+  constexpr std::size_t kBreaks = 70u << 20;
+  std::string text = "<?xml version=\"1.0\"?>\n<datafile>\n";
+  text.append(kBreaks, '\n');
+  text +=
+      "<game\nname=\"a\"><rom\nname=\"r\" crc=\"1234567\"/><rom name=\"s\" "
+      "crc=\"89abcdef\"/></game>\n</datafile>\n";
+  auto dat = ReadDatFile(Put("large.dat", text));
+  text.clear();
+  ASSERT_TRUE(dat.ok()) << dat.error().message;
+  ASSERT_EQ(dat->games.size(), 1u);
+  EXPECT_EQ(dat->games[0].roms.at(0).name, "s");
+  ASSERT_EQ(dat->problems.size(), 1u);
+  EXPECT_THAT(dat->problems[0], HasSubstr("line " + std::to_string(kBreaks + 4) + ": "));
+}
+
 }  // namespace
 }  // namespace romsteward

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "core/cart/convert.h"
 #include "core/common/strings.h"
@@ -15,6 +16,7 @@
 namespace romsteward {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
@@ -136,10 +138,21 @@ TEST_F(DemoIdentification, MatchesSomeListsTheUnknownAndKeepsSplitSetsWhole) {
 TEST_F(DemoIdentification, ALostFirstVolumeOrADamagedArchiveIsListedNotDropped) {
   std::filesystem::remove(PathOf("Iron Meadow.1"));
   test::WriteTestFile(PathOf("Torn.zip"), "PK\x03\x04 not really an archive");
-  auto images = Identify({PathToUtf8(PathOf("Iron Meadow.2")), PathToUtf8(PathOf("Torn.zip"))});
-  ASSERT_EQ(images.size(), 2u);
+  // A 7z archive whose second member is cut off, and a FIFO.
+  auto sevenZip =
+      BuildZipArchive({{"a.bin", std::string(5000, 'a')}, {"b.bin", std::string(5000, 'b')}},
+                      ArchiveFormat::SevenZip);
+  ASSERT_TRUE(sevenZip.ok());
+  test::WriteTestFile(PathOf("Cut.7z"), sevenZip->substr(0, sevenZip->size() - 40));
+  ASSERT_EQ(::mkfifo(PathOf("pipe.bin").c_str(), 0600), 0);
+  auto images = Identify({PathToUtf8(PathOf("Iron Meadow.2")), PathToUtf8(PathOf("Torn.zip")),
+                          PathToUtf8(PathOf("Cut.7z")), PathToUtf8(PathOf("pipe.bin"))});
+  ASSERT_GE(images.size(), 4u);
   EXPECT_THAT(images[0].problem, HasSubstr("later volume"));
-  EXPECT_FALSE(images[1].problem.empty());
+  EXPECT_THAT(images[1].problem, AllOf(HasSubstr("ZIP archive"), HasSubstr("Torn.zip")));
+  EXPECT_THAT(images[images.size() - 2].problem,
+              AllOf(HasSubstr("7z archive"), HasSubstr(PathToUtf8(PathOf("Cut.7z")))));
+  EXPECT_THAT(images.back().problem, HasSubstr("pipe.bin: it is not a regular file"));
 }
 
 TEST_F(DemoIdentification, RenamingNeverReplacesAndRefusesNamesThatLeadElsewhere) {

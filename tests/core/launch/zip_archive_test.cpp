@@ -137,8 +137,10 @@ TEST_F(ZipArchiveTest, DamagedArchiveListsWhatCanBeRead) {
   EXPECT_THAT(listing->names, ElementsAre("one.bin", "two.bin"));
   EXPECT_NE(listing->damage, "");
 
+  // Not one member can be read: the file only starts like an archive, and is refused.
   auto garbage = ListZipEntries(Archive("PK but nothing else"), kRomMasks);
-  EXPECT_TRUE(garbage->names.empty() && !garbage->damage.empty());
+  ASSERT_FALSE(garbage.ok());
+  EXPECT_THAT(garbage.error().message, HasSubstr("Cannot read the ZIP archive"));
 }
 
 TEST_F(ZipArchiveTest, DuplicatedNamesAndAFailureHalfWayLeaveNothingBehind) {
@@ -155,14 +157,24 @@ TEST_F(ZipArchiveTest, DuplicatedNamesAndAFailureHalfWayLeaveNothingBehind) {
   const std::vector<std::string> both = {"sub/ok.bin", "deep/bomb.bin"};
   EXPECT_FALSE(ExtractZipMembers(path, both, folder, 64 * 1024).ok());
   EXPECT_TRUE(std::filesystem::is_empty(folder));
+
+  // "." steps name the folder they stand in: "d/sub/." is the file d/sub, taken back whole.
+  const auto dotted = Archive(Zip({{"d/sub/.", "dot"}, {"d/./e.bin", "e"}}));
+  const std::vector<std::string> names = ListZipEntries(dotted, kAllFilesMask)->names;
+  ASSERT_THAT(names, ElementsAre("d/sub/.", "d/./e.bin"));
+  auto extracted = ExtractZipMembers(dotted, names, folder);
+  ASSERT_TRUE(extracted.ok()) << extracted.error().message;
+  EXPECT_EQ(test::ReadTestFile(folder / "d" / "sub"), "dot");
+  for (const std::string& name : names)
+    ASSERT_TRUE(RemoveExtractedMember(folder, name).ok());
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+  EXPECT_EQ(UnsafeMemberNameReason("./."), "it is a folder");
 }
 
 TEST_F(ZipArchiveTest, SevenZipArchivesGoThroughTheSameCode) {
-  auto built = BuildZipArchive({{"a.bin", "alpha"},
-                                {"sub/b.smd", "beta"},
-                                {"c.txt", "gamma"},
-                                {"../evil.bin", "x"}},
-                               ArchiveFormat::SevenZip);
+  auto built = BuildZipArchive(
+      {{"a.bin", "alpha"}, {"sub/b.smd", "beta"}, {"c.txt", "gamma"}, {"../evil.bin", "x"}},
+      ArchiveFormat::SevenZip);
   ASSERT_TRUE(built.ok()) << built.error().message;
   const auto path = Archive(*built, "a.7z");
   EXPECT_TRUE(IsZipFile(path) && HasZipSignature(path));
@@ -183,12 +195,15 @@ TEST_F(ZipArchiveTest, SevenZipArchivesGoThroughTheSameCode) {
             "extracted to.");
   EXPECT_TRUE(std::filesystem::is_empty(folder));
 
-  // Garbage after a valid signature, and an archive cut short, are damage, not a crash.
+  // Garbage after a valid signature is no archive, an archive cut short is damage; neither
+  // is a crash.
   const std::string signature(kSevenZipSignature);
   auto garbage = ListZipEntries(Archive(signature + std::string(100, '\x42'), "g.7z"), kRomMasks);
-  EXPECT_TRUE(garbage.ok() && garbage->names.empty() && !garbage->damage.empty());
+  ASSERT_FALSE(garbage.ok());
+  EXPECT_THAT(garbage.error().message, HasSubstr("7z archive"));
+  // Its directory is at the end: cut in half, not one member can be read.
   const auto cut = Archive(built->substr(0, built->size() / 2), "cut.7z");
-  EXPECT_FALSE(ListZipEntries(cut, kRomMasks)->damage.empty());
+  EXPECT_THAT(ListZipEntries(cut, kRomMasks).error().message, HasSubstr("7z archive"));
   EXPECT_THAT(ExtractZipMember(cut, "a.bin", folder).error().message, HasSubstr("7z archive"));
   EXPECT_TRUE(std::filesystem::is_empty(folder));
 }

@@ -149,6 +149,33 @@ TEST_F(PatchStoreTest, IpsRecordsBecomeNumberedPatchesWithTheImagesOldBytes) {
   EXPECT_EQ(m_host.EventsOf(PromptKind::Message).size(), 2u);
 }
 
+TEST_F(PatchStoreTest, AnIpsOfVeryManyRecordsIsStoredAfterAQuestionWholeOrNotAtAll) {
+  const auto image = Put("GAME.BIN", std::string(8192, 'o'));
+  std::string ips = "PATCH";
+  constexpr std::size_t kRecords = 5000;
+  for (std::size_t i = 0; i < kRecords; ++i)
+    ips += Bytes({0, static_cast<int>(i >> 8), static_cast<int>(i & 0xFF), 0, 1, 'n'});
+  ips += "EOF";
+  const auto store = [&] {
+    return StoreIpsAsDynamicPatches(m_host, Store(), image, "GAME.BIN", ips, "many.ips", "m");
+  };
+  m_host.AnswerYesNo(Answer::No);
+  EXPECT_EQ(store(), CommandResult::Cancelled);
+  EXPECT_NE(m_host.Texts().at(0).find("many.ips holds 5,000 records"), std::string::npos);
+  // Cancelled once most records were written: the store keeps none of them.
+  m_host.AnswerYesNo(Answer::Yes);
+  m_host.CancelProgressAt(50);
+  EXPECT_EQ(store(), CommandResult::Cancelled);
+  EXPECT_FALSE(HasDynamicPatches(Store(), "GAME.BIN"));
+
+  m_host.CancelProgressAt(101);
+  m_host.AnswerYesNo(Answer::Yes);
+  EXPECT_EQ(store(), CommandResult::Done);
+  EXPECT_EQ(ListDynamicPatchNames(Store(), "GAME.BIN").size(), kRecords);
+  EXPECT_EQ(Stored("GAME.BIN|m4999"), "5000|n|o");
+  EXPECT_FALSE(m_host.ProgressReports().empty());
+}
+
 TEST_F(PatchStoreTest, RemovalOffersOnlyThisImagesPatchesAndAsksFirst) {
   EXPECT_FALSE(RemoveDynamicPatchesCommand(m_host, Store(), "A.BIN"));
   EXPECT_EQ(m_host.Texts().back(), "No dynamic patches found");

@@ -49,6 +49,7 @@ TEST_F(ReportTest, ABlockOfTheFileNameGivesOneNamePerLine) {
   const test::HostEvent dialog = host.EventsOf(test::PromptKind::SaveFile).at(0);
   EXPECT_EQ(dialog.title, "Select list file");
   EXPECT_EQ(dialog.dialog.initialName, "romlist.txt");
+  EXPECT_EQ(dialog.dialog.initialDir, PathToUtf8(PathOf("roms")));
 }
 
 TEST_F(ReportTest, CountsAndTotalsRunInTheBlockAndAreFinalInTheFooter) {
@@ -126,6 +127,9 @@ TEST_F(ReportTest, ArchiveMembersAreExtractedAndDeletedAfterwards) {
   Put(temp, "one.bin", "the user's own file");
   ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", temp).ok());
   EXPECT_EQ(Create("-BOL-%file% -EOL-", source), "one.bin two.smd ");
+  // The list of an archive goes beside the archive.
+  EXPECT_EQ(host.EventsOf(test::PromptKind::SaveFile).at(0).dialog.initialDir,
+            PathToUtf8(PathOf("zips")));
   EXPECT_EQ(test::ReadTestFile(PathOf("temp/one.bin")), "the user's own file");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(PathOf("temp")), {}), 1);
 }

@@ -125,13 +125,15 @@ TEST_F(SplitJoinTest, SplitRomTakesItsSizeFromTheChooserWhichStaysOpenAfterARefu
   EXPECT_EQ(SplitRom(m_host, path), CommandResult::Cancelled);
 }
 
-TEST_F(SplitJoinTest, JoinStopsAtAGapAndZeroesTheBlockCountAbove255Blocks) {
-  const std::string first = Smd(kMbit, true);
-  Game("1", first);
+TEST_F(SplitJoinTest, JoinRefusesAGapAndZeroesTheBlockCountAbove255Blocks) {
+  // The first volume says more follow, and the second is missing: nothing is joined.
+  Game("1", Smd(kMbit, true));
   Game("3", Smd(kMbit));
-  EXPECT_EQ(JoinRom(m_host, Game("1")), CommandResult::Done);
-  EXPECT_EQ(m_host.Texts(), Texts{"1 file(s) joined"});
-  EXPECT_EQ(Read("smd"), BuildSmdHeader(8, false) + first.substr(512));
+  EXPECT_EQ(JoinRom(m_host, Game("1")), CommandResult::Failed);
+  EXPECT_NE(m_host.Texts().back().find("there is no " + PathOf("GAME.2").string()),
+            std::string::npos)
+      << m_host.Transcript();
+  EXPECT_FALSE(fs::exists(PathOf("GAME.smd")));
 
   // 512 + 255 blocks is larger than 255 blocks.
   Game("1", Smd(128 * kBlockSize, true));
