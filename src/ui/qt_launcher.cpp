@@ -24,6 +24,7 @@
 #include "ui/emulator_tabs.h"
 #include "ui/main_window.h"
 #include "ui/qt_text.h"
+#include "ui/runner_menu.h"
 
 namespace romsteward::ui {
 
@@ -176,6 +177,7 @@ void QtLauncher::Connect() {
   }
 
   AddSearchItems();
+  AddRunnerMenu(m_window, m_host, m_settings);
 
   m_window.Model().SetLaunchStep([this](MainWindowModel& model, std::function<void()> done) {
     Launch(model.LaunchRequestForSelection(), std::move(done));

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "support/scoped_env.h"
+
 namespace romsteward::test {
 
 /// A fresh directory under the system's temporary folder, removed with everything in it
@@ -31,7 +33,8 @@ private:
 void WriteTestFile(const std::filesystem::path& path, std::string_view contents);
 std::string ReadTestFile(const std::filesystem::path& path);
 
-/// Fixture for tests that write files: `Dir()` is new for every test.
+/// Fixture for tests that write files: `Dir()` is new for every test. The user's cache
+/// folder ($XDG_CACHE_HOME) is "cache" in it, so nothing reaches the real one.
 class TempDirTest : public ::testing::Test {
 protected:
   const std::filesystem::path& Dir() const { return m_dir.Path(); }
@@ -39,6 +42,7 @@ protected:
 
 private:
   TempDir m_dir;
+  ScopedEnv m_cache{"XDG_CACHE_HOME", (m_dir / "cache").string()};
 };
 
 }  // namespace romsteward::test

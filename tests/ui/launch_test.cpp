@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QKeySequence>
@@ -132,6 +133,62 @@ private slots:
     QCOMPARE(f.launcher->Running(), 0);
     QVERIFY2(ticks > 5, "the event loop stood still during the run");
     QCOMPARE(f.window->SavedGames()->itemText(0), ToQt(kGenEmState));
+  }
+
+  // An emulator that ran and failed is no failed start: our own note says how it ended, and
+  // what it saved is listed all the same.
+  void AnEmulatorEndingBadlyGetsOurNoteAndItsSavedGamesListed() {
+    Fixture f;
+    f.UseEmulator(
+        "for a in \"$@\"; do if [ -f \"$a\" ]; then : > \"${a%.*}.sav\"; fi; done\n"
+        "echo 'bad dump' >&2\nexit 2");
+    QVERIFY(f.SelectImage());
+    QSignalSpy finished(f.launcher, &QtLauncher::launchFinished);
+    QTest::mouseClick(f.RunButton(), Qt::LeftButton);
+    QVERIFY(finished.wait(10000));
+    QCOMPARE(f.window->SavedGames()->itemText(0), ToQt(kGenEmState));
+    QCOMPARE(f.host.shown.size(), std::size_t{1});
+    const QString note = ToQt(f.host.shown.back());
+    QVERIFY2(note.startsWith(ToQt(kEndedBadlyPrefix)), qPrintable(note));
+    QVERIFY(note.contains("exit status 2") && note.contains("bad dump"));
+    QVERIFY(!note.contains(ToQt(kErrorRunningEmulator)));
+  }
+
+  // Options > Emulator runners: each DOS emulator's runner, an installed one offered.
+  void TheRunnerMenuSetsEachDosEmulatorsRunner() {
+    Fixture f;
+    const QString bin = f.sandbox.Path("bin");
+    QVERIFY(QDir().mkpath(bin));
+    QFile dosbox(bin + "/dosbox");
+    QVERIFY(dosbox.open(QIODevice::WriteOnly));
+    dosbox.close();
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", bin.toUtf8() + ":" + path);
+    auto* genEm = f.window->findChild<QMenu*>("mnu_runGenEm");
+    QVERIFY(genEm && f.window->findChild<QMenu*>("mnu_runKGen"));
+    QVERIFY(!f.window->findChild<QMenu*>("mnu_runBlastEm"));
+    auto* runners = f.window->findChild<QAction*>("mnu_runners");
+    QVERIFY(runners && runners->menu() && runners->menu()->actions().contains(genEm->menuAction()));
+    const auto item = [genEm](const char* name) {
+      emit genEm->aboutToShow();
+      return genEm->findChild<QAction*>(QStringLiteral("mnu_runGenEm_") + name);
+    };
+    const auto stored = [&f] {
+      return f.sandbox.Settings().GetSetting(kSectionSettings, "Genemrun");
+    };
+    QVERIFY(item("none")->isChecked());
+    QVERIFY(item("dosbox")->isEnabled());
+    item("dosbox")->trigger();
+    QCOMPARE(stored(), std::string("dosbox -exit"));
+    QVERIFY(item("dosbox")->isChecked());
+    f.host.texts.push_back(std::string("\"/opt/my wine/wine\" --quiet"));
+    item("other")->trigger();
+    QCOMPARE(stored(), std::string("\"/opt/my wine/wine\" --quiet"));
+    QVERIFY(item("other")->isChecked() && item("other")->text().contains("--quiet"));
+    item("none")->trigger();
+    QCOMPARE(stored(), std::string());
+    QCOMPARE(f.sandbox.Settings().GetSetting(kSectionSettings, "KGenrun"), std::string());
+    qputenv("PATH", path);
   }
 
   void AProgramThatCannotStartIsReportedAndCounted() {

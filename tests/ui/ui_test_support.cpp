@@ -43,6 +43,8 @@ std::optional<std::string> RecordingHost::AskText(std::string_view prompt, std::
 }
 
 Sandbox::Sandbox() {
+  // The user's cache folder (the default temporary folder) is the sandbox's own.
+  qputenv("XDG_CACHE_HOME", Path("cache").toUtf8());
   m_store =
       std::move(RegistryStore::Open(Utf8ToPath(Path("settings.sqlite3").toStdString())).value());
   m_settings = std::make_unique<AppSettings>(*m_store);

@@ -13,6 +13,7 @@
 #include "core/launch/play_history.h"
 #include "core/launch/posix_process.h"
 #include "core/launch/running_emulators.h"
+#include "core/launch/shell_words.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"
 #include "core/patch/patch_run.h"
@@ -52,18 +53,20 @@ std::vector<std::string> ConfiguredEmulatorPaths(const AppSettings& settings) {
   return paths;
 }
 
-std::string FailureDetails(const ProcessOutcome& outcome) {
-  std::string details;
-  if (!outcome.started) {
-    details = outcome.startError;
-  } else if (outcome.signal != 0) {
-    details = "The emulator was ended by signal " + std::to_string(outcome.signal) + " (" +
-              strsignal(outcome.signal) + ").";
-  } else {
-    details = "The emulator ended with exit status " + std::to_string(outcome.exitStatus) + ".";
-  }
-  if (!outcome.stderrTail.empty()) details += "\nIts last words:\n" + outcome.stderrTail;
-  return details;
+std::string LastWords(const ProcessOutcome& outcome) {
+  return outcome.stderrTail.empty()
+             ? std::string()
+             : "\n\nWhat it wrote last (standard error):\n" + outcome.stderrTail;
+}
+
+// An emulator that ran and ended badly is not a failed start: the note is ours, not the
+// classic launcher's error.
+std::string EndedBadlyNote(const ProcessOutcome& outcome) {
+  std::string how = outcome.signal != 0
+                        ? "was ended by signal " + std::to_string(outcome.signal) + " (" +
+                              strsignal(outcome.signal) + ")"
+                        : "ended with exit status " + std::to_string(outcome.exitStatus);
+  return std::string(kEndedBadlyPrefix) + how + "." + LastWords(outcome);
 }
 
 }  // namespace
@@ -106,6 +109,12 @@ std::optional<EmulatorCommand> LaunchCommand::Prepare(const LaunchRequest& reque
   const EmulatorProfile* profile = ProfileForTab(tab, options.useGenNew);
   // A calibration plays no cartridge: it has no history.
   m_entryText = request.calibrate ? std::string() : request.entryText;
+  // An open quote in the extra command line stops the launch before anything is prepared
+  // (Genecyst's goes into gen.ini as typed).
+  if (!request.calibrate && tab != static_cast<int>(EmulatorTab::Genecyst)) {
+    if (auto words = SplitShellWords(request.extraCommandLine); !words)
+      return critical(words.error().message);
+  }
 
   if (!request.calibrate) {
     if (request.entryText.empty()) return critical(kSelectARom);
@@ -210,9 +219,13 @@ void LaunchCommand::Complete(const ProcessOutcome& outcome) {
   if (!m_begun || m_completed) return;
   m_completed = true;
   m_succeeded = outcome.Succeeded();
-  if (!m_succeeded && !outcome.endedOnRequest) {
-    m_host.ShowMessage(std::string(kErrorRunningEmulator) + "\n\n" + FailureDetails(outcome),
-                       MessageIcon::Critical, kAppTitle);
+  m_ran = outcome.started;
+  if (!outcome.started) {
+    m_host.ShowMessage(
+        std::string(kErrorRunningEmulator) + "\n\n" + outcome.startError + LastWords(outcome),
+        MessageIcon::Critical, kAppTitle);
+  } else if (!m_succeeded && !outcome.endedOnRequest) {
+    m_host.ShowMessage(EndedBadlyNote(outcome), MessageIcon::Exclamation, kAppTitle);
   }
   CleanUp();
   if (outcome.started && !m_entryText.empty()) {

@@ -53,7 +53,11 @@ inline constexpr std::string_view kEmulatorRunning =
     "(the system may get too slow)";
 inline constexpr std::string_view kThirdTab =
     "I don't know how you made appear a thirth emulator tab, but you did! Contact the author!";
+/// Only for an emulator that could not be started.
 inline constexpr std::string_view kErrorRunningEmulator = "Error running emulator!";
+/// Our own note on an emulator that started and ended with a failure status or a signal.
+inline constexpr std::string_view kEndedBadlyPrefix =
+    "Note from Genesis Romsteward: the emulator started, ran and ";
 /// The program that opens a file with the desktop's default program.
 inline constexpr std::string_view kOpenWithDefaultProgram = "xdg-open";
 
@@ -91,13 +95,16 @@ public:
   /// emulator outlives us.
   void Started(pid_t pid);
 
-  /// After the emulator ended: "Error running emulator!" (with its exit status and the last
-  /// lines of its standard error) unless it ran and exited with 0 or was ended on request;
-  /// the extracted copies deleted, the patches taken off, the play history updated. Once only.
+  /// After the emulator ended: "Error running emulator!" (with the reason) when it could not
+  /// start; our own note with its exit status or signal and the last lines of its standard
+  /// error when it ran and ended badly (not when ended on request); the extracted copies
+  /// deleted, the patches taken off, the play history updated. Once only.
   void Complete(const ProcessOutcome& outcome);
 
-  /// Whether Complete saw a run that succeeded; the saved-games list is then refreshed.
+  /// Whether Complete saw a run that exited with 0.
   bool Succeeded() const { return m_succeeded; }
+  /// Whether the emulator started at all: it may have saved games however it ended.
+  bool Ran() const { return m_ran; }
   /// The image the emulator was given (the extracted copy in an archive's case).
   const std::filesystem::path& RomPath() const { return m_romPath; }
 
@@ -116,6 +123,7 @@ private:
   bool m_begun = false;
   bool m_completed = false;
   bool m_succeeded = false;
+  bool m_ran = false;
 };
 
 /// What either program does first: puts back the images a killed run left patched, then

@@ -5,6 +5,7 @@
 #include "core/common/strings.h"
 #include "core/host/app_title.h"
 #include "core/host/host.h"
+#include "core/launch/emulator_discovery.h"
 #include "core/launch/emulator_profiles.h"
 #include "core/launch/temp_folder.h"
 #include "core/launch/zip_archive.h"
@@ -50,9 +51,10 @@ void MainWindowModel::Start(int archiveLibraryVersion) {
   m_controls["mnu_savcart"].checked = general.saveAllCartridges;
   m_controls["mnu_tray"].checked = general.minimizeInTray;
   m_controls["mnu_preview"].checked = LoadShowPreview(m_settings);
+  // Before the general options are read: the first emulator found becomes their choice.
+  WelcomeEmulators(m_host, m_settings, m_programFolders);
   LoadDefaultOptions(m_settings, m_controls["chkIPS"].enabled, m_options);
   m_controls["CmdCalib"].enabled = !m_options.disableJoypad;
-  ShowFirstRunNotice(m_host, m_settings);
   LoadDirHistory();
 }
 

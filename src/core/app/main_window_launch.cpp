@@ -2,6 +2,7 @@
 #include "core/common/strings.h"
 #include "core/host/app_title.h"
 #include "core/launch/emulator_profiles.h"
+#include "core/launch/shell_words.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/general_settings.h"
 
@@ -27,11 +28,17 @@ LaunchRequest MainWindowModel::CalibrationRequest() const {
 }
 
 void MainWindowModel::LaunchFinished(const LaunchCommand& launch) {
-  if (launch.Succeeded() && m_selection) FillSavedGames();
+  if (launch.Ran() && m_selection) FillSavedGames();
 }
 
 void MainWindowModel::ExecuteExtraCommandLine(DetachedStarter& starter) {
-  const std::vector<std::string> words = SplitAtBlanks(m_extraCommandLine);
+  auto split = SplitShellWords(m_extraCommandLine);
+  if (!split) {
+    // The text stays in the field for the user to close the quote.
+    m_host.ShowMessage(split.error().message, MessageIcon::Critical, kAppTitle);
+    return;
+  }
+  const std::vector<std::string>& words = *split;
   m_extraCommandLine.clear();
   if (words.empty()) return;
   const ProcessSpec spec{words.front(), {words.begin() + 1, words.end()}, {}, {}};

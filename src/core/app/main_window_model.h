@@ -12,6 +12,7 @@
 #include "core/app/launch_step.h"
 #include "core/app/window_controls.h"
 #include "core/cart/layout.h"
+#include "core/launch/installed_programs.h"
 #include "core/library/rom_scan.h"
 #include "core/library/rom_sort.h"
 #include "core/settings/emulator_options.h"
@@ -76,11 +77,16 @@ public:
   void LoadDirHistory();
 
   /// The whole start-up: the check of the linked archive library, the list choices and the
-  /// options menu's checks, the first-run notice when no emulator is known (`Genemnew` is
-  /// not asked), then the history, which opens `dir0`.
+  /// options menu's checks, the installed emulators looked for while none is known
+  /// (WelcomeEmulators, with its first-run notice when none is found), the general options,
+  /// then the history, which opens `dir0`.
   void Start();
   /// The same, as if the archive library were of `archiveLibraryVersion`.
   void Start(int archiveLibraryVersion);
+  /// Where Start looks for installed emulators and runners (ProgramSearchFolders).
+  void SetProgramFolders(std::vector<std::filesystem::path> folders) {
+    m_programFolders = std::move(folders);
+  }
   /// Closing the window: the options when "Save Settings on E&xit" is checked, then the
   /// window's position, always. A store that cannot be written is reported.
   void Close(WindowPosition position);
@@ -185,7 +191,8 @@ public:
   LaunchRequest LaunchRequestForSelection() const;
   /// "Calibrate Joystick": the same request, with " -calib" alone.
   LaunchRequest CalibrationRequest() const;
-  /// After a launch's Complete: the saved-games list is built again when the run succeeded.
+  /// After a launch's Complete: the saved-games list is built again when the emulator ran,
+  /// however it ended.
   void LaunchFinished(const LaunchCommand& launch);
   /// ENTER in "Additional Comand-line:": its text starts as a program of its own, not waited
   /// for, and the field is emptied. A failure to start is shown.
@@ -298,6 +305,7 @@ private:
   std::string m_extraCommandLine;
   std::vector<std::string> m_favoriteMenu;
   LaunchStep m_launchStep;
+  std::vector<std::filesystem::path> m_programFolders = ProgramSearchFolders();
   std::unique_ptr<FileOperations> m_ownOperations;
   FileOperations& m_operations;
   // The chosen DAT, read again only when the setting names another file.

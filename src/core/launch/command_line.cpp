@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "core/common/strings.h"
+#include "core/launch/shell_words.h"
 
 namespace romsteward {
 
@@ -79,6 +80,13 @@ std::string JoinForDisplay(const std::vector<std::string>& words) {
   return text;
 }
 
+// The extra command line as a shell user reads it; a launch refuses an open quote before it
+// gets here, so the blank split only serves a caller that did not ask.
+std::vector<std::string> ExtraWords(std::string_view extra) {
+  auto words = SplitShellWords(extra);
+  return words ? std::move(*words) : SplitAtBlanks(extra);
+}
+
 }  // namespace
 
 std::string GenEmOptionText(const EmulatorOptions& options, std::string_view country) {
@@ -152,10 +160,14 @@ std::string ClassicArgumentText(EmulatorTab tab, std::string_view romPath,
 std::string RewriteGenIni(std::string_view optionBlock, std::string_view oldText) {
   std::string block(optionBlock);
   while (!oldText.empty()) {
-    const auto end = oldText.find('\n');
-    std::string_view line = oldText.substr(0, end);
-    oldText = end == std::string_view::npos ? std::string_view{} : oldText.substr(end + 1);
-    if (line.ends_with('\r')) line.remove_suffix(1);
+    // A file edited by hand may end its lines with CR LF, LF or CR alone.
+    const auto end = oldText.find_first_of("\r\n");
+    const std::string_view line = oldText.substr(0, end);
+    std::size_t next = end == std::string_view::npos ? oldText.size() : end + 1;
+    if (end != std::string_view::npos && oldText[end] == '\r' && next < oldText.size() &&
+        oldText[next] == '\n')
+      ++next;
+    oldText.remove_prefix(next);
     const std::string word = FirstWord(line);
     for (std::string_view kept : kKeptGenIniWords) {
       if (word == kept) {
@@ -197,7 +209,7 @@ EmulatorCommand ComposeEmulatorCommand(const CompositionInput& input) {
       AddMednafenArguments(input, arguments);
     }
     if (!calibrate) arguments.push_back(input.romPath);
-    for (auto& word : SplitAtBlanks(input.extra))
+    for (auto& word : ExtraWords(input.extra))
       arguments.push_back(std::move(word));
     command.argumentText = JoinForDisplay(arguments);
   } else if (calibrate) {
@@ -221,11 +233,17 @@ EmulatorCommand ComposeEmulatorCommand(const CompositionInput& input) {
       arguments.push_back("-run");
       rest.remove_prefix(std::string_view("-run ").size());
     }
-    // The ROM path is one argument whatever it holds; the switches follow it.
+    // The ROM path is one argument whatever it holds; the switches follow it, then the extra
+    // command line (Genecyst's went into gen.ini).
     arguments.push_back(input.romPath);
     rest.remove_prefix(input.romPath.size());
+    if (tab != EmulatorTab::Genecyst) rest.remove_suffix(input.extra.size());
     for (auto& word : SplitAtBlanks(rest))
       arguments.push_back(std::move(word));
+    if (tab != EmulatorTab::Genecyst) {
+      for (auto& word : ExtraWords(input.extra))
+        arguments.push_back(std::move(word));
+    }
   }
 
   command.process.workingDirectory = Utf8ToPath(input.emulatorPath).parent_path();

@@ -57,7 +57,8 @@ struct CompositionInput {
 };
 
 /// Composes the program, its arguments, working directory (the emulator's), environment and
-/// for Genecyst the new `gen.ini`. The ROM path is always one argument.
+/// for Genecyst the new `gen.ini`. The ROM path is always one argument; the extra command
+/// line is split as a shell user expects (SplitShellWords), never through a shell.
 EmulatorCommand ComposeEmulatorCommand(const CompositionInput& input);
 
 /// Splits an argument text at blanks (runs of blanks and line ends make no empty words).

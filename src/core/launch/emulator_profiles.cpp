@@ -1,11 +1,13 @@
 #include "core/launch/emulator_profiles.h"
 
 #include <array>
-#include <cstdlib>
 
 #include "core/common/strings.h"
 #include "core/host/app_title.h"
 #include "core/launch/command_line.h"
+#include "core/launch/emulator_runners.h"
+#include "core/launch/installed_programs.h"
+#include "core/launch/shell_words.h"
 #include "core/settings/app_settings.h"
 
 namespace romsteward {
@@ -69,28 +71,6 @@ const std::array<EmulatorProfile, 6> kProfiles = {{
      false},
 }};
 
-// Debian installs its emulators here, which is not on every PATH.
-constexpr std::string_view kGamesFolder = "/usr/games";
-
-std::string InstalledProgram(std::string_view name) {
-  std::vector<std::string> folders{std::string(kGamesFolder)};
-  if (const char* path = std::getenv("PATH")) {
-    std::string_view rest(path);
-    while (!rest.empty()) {
-      const auto colon = rest.find(':');
-      folders.emplace_back(rest.substr(0, colon));
-      rest = colon == std::string_view::npos ? std::string_view{} : rest.substr(colon + 1);
-    }
-  }
-  std::error_code error;
-  for (const auto& folder : folders) {
-    if (folder.empty()) continue;
-    const auto candidate = Utf8ToPath(folder) / Utf8ToPath(name);
-    if (std::filesystem::is_regular_file(candidate, error)) return PathToUtf8(candidate);
-  }
-  return {};
-}
-
 }  // namespace
 
 std::span<const EmulatorProfile> EmulatorProfiles() {
@@ -124,16 +104,21 @@ const EmulatorProfile* ProfileForTab(int tab, bool useGenNew) {
 std::string EmulatorPath(const AppSettings& settings, const EmulatorProfile& profile) {
   std::string path = settings.GetSetting(kSectionSettings, profile.pathKey);
   // The Debian emulators need no locating when they are installed where Debian puts them.
-  if (path.empty() && !profile.classic) path = InstalledProgram(profile.filter.patterns);
+  if (path.empty() && !profile.classic)
+    path = FindInstalledProgram(profile.filter.patterns, ProgramSearchFolders());
   return path;
 }
 
 std::vector<std::string> RunnerWords(const AppSettings& settings, const EmulatorProfile& profile) {
   if (profile.runnerKey.empty()) return {};
-  return SplitAtBlanks(settings.GetSetting(kSectionSettings, profile.runnerKey));
+  const std::string command = settings.GetSetting(kSectionSettings, profile.runnerKey);
+  // Quoted like the extra command line, so a runner's path may hold blanks.
+  auto words = SplitShellWords(command);
+  return words ? std::move(*words) : SplitAtBlanks(command);
 }
 
-void LocateEmulator(Host& host, AppSettings& settings, const EmulatorProfile& profile) {
+void LocateEmulator(Host& host, AppSettings& settings, const EmulatorProfile& profile,
+                    const std::vector<std::filesystem::path>& folders) {
   FileDialog dialog;
   dialog.title = profile.dialogTitle;
   dialog.filters = {profile.filter};
@@ -146,14 +131,24 @@ void LocateEmulator(Host& host, AppSettings& settings, const EmulatorProfile& pr
                           : std::string(kGamesFolder);
   const auto chosen = host.ChooseOpenFile(dialog);
   if (!chosen || chosen->empty()) return;
-  if (Status saved = settings.SaveSetting(kSectionSettings, profile.pathKey, *chosen); !saved)
+  if (Status saved = settings.SaveSetting(kSectionSettings, profile.pathKey, *chosen); !saved) {
     host.ShowMessage(saved.error().message, MessageIcon::Critical, kAppTitle);
+    return;
+  }
+  SuggestRunner(host, settings, profile, folders);
+}
+
+bool AnyEmulatorKnown(const AppSettings& settings) {
+  for (const EmulatorProfile& profile : EmulatorProfiles()) {
+    if (profile.name != "GenEmnew" &&
+        !settings.GetSetting(kSectionSettings, profile.pathKey).empty())
+      return true;
+  }
+  return false;
 }
 
 bool ShowFirstRunNotice(Host& host, const AppSettings& settings) {
-  for (std::string_view key : {"Genem", "Genecyst", "KGen"}) {
-    if (!settings.GetSetting(kSectionSettings, key).empty()) return false;
-  }
+  if (AnyEmulatorKnown(settings)) return false;
   host.ShowMessage(kFirstRunNotice, MessageIcon::Information, kAppTitle);
   return true;
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/host/host.h"
+#include "core/launch/installed_programs.h"
 
 namespace romsteward {
 
@@ -43,11 +44,17 @@ std::string EmulatorPath(const AppSettings& settings, const EmulatorProfile& pro
 std::vector<std::string> RunnerWords(const AppSettings& settings, const EmulatorProfile& profile);
 
 /// "Search <name>...": a file dialog with the profile's title and filter; the choice is
-/// written to its key at once, a cancelled dialog changes nothing.
-void LocateEmulator(Host& host, AppSettings& settings, const EmulatorProfile& profile);
+/// written to its key at once, a cancelled dialog changes nothing. A DOS emulator without a
+/// runner is then offered one installed in `folders` (SuggestRunner).
+void LocateEmulator(Host& host, AppSettings& settings, const EmulatorProfile& profile,
+                    const std::vector<std::filesystem::path>& folders = ProgramSearchFolders());
 
-/// The first-run notice, shown when `Genem`, `Genecyst` and `KGen` are all empty
-/// (`Genemnew` and the Debian emulators are not consulted). True when it was shown.
+/// Whether an emulator is known: a path stored for GenEm, Genecyst, KGen, BlastEm or
+/// Mednafen. GenEmnew alone is not enough: the GenEm tab runs it only with "Use GenNew".
+bool AnyEmulatorKnown(const AppSettings& settings);
+
+/// The first-run notice, shown while no emulator is known (AnyEmulatorKnown). True when it
+/// was shown.
 bool ShowFirstRunNotice(Host& host, const AppSettings& settings);
 inline constexpr std::string_view kFirstRunNotice =
     "This is the first time you run Genesis Romsteward. Click on Options menu, item 'Search "

@@ -38,6 +38,10 @@ std::vector<std::string> FileNames(const std::filesystem::path& dir) {
 
 std::optional<std::string> FindIgnoringCase(const std::vector<std::string>& names,
                                             std::string_view wanted) {
+  // Names here tell case apart: the file named exactly is the game's own.
+  for (const std::string& name : names) {
+    if (name == wanted) return name;
+  }
   for (const std::string& name : names) {
     if (EqualsIgnoreCase(name, wanted)) return name;
   }

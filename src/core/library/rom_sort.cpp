@@ -75,7 +75,14 @@ std::optional<std::size_t> ReselectByName(const std::vector<std::string>& entrie
   while (low <= high) {
     const std::ptrdiff_t middle = (low + high) / 2;
     const std::string key = FoldedKey(entries[static_cast<std::size_t>(middle)], SortOrder::Name);
-    if (key == wanted) return static_cast<std::size_t>(middle);
+    if (key == wanted) {
+      // File names here tell case apart: "Sonic.bin" and "SONIC.bin" are two images, and
+      // the one named exactly wins over the one the halving met first.
+      for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (entries[i] == name) return i;
+      }
+      return static_cast<std::size_t>(middle);
+    }
     if (key < wanted) {
       low = middle + 1;
     } else {

@@ -30,7 +30,8 @@ std::size_t HalveToEven(std::size_t n);
 void SortRomNames(std::vector<std::string>& names, SortOrder order);
 
 /// The entry whose name key equals that of `name` (case ignored), found by halving the
-/// index range as if the entries were in name order; nullopt when the search misses.
+/// index range as if the entries were in name order; nullopt when the search misses. When it
+/// hits, an entry spelled exactly as `name` is preferred to one differing in case or blanks.
 std::optional<std::size_t> ReselectByName(const std::vector<std::string>& entries,
                                           std::string_view name);
 

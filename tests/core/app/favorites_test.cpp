@@ -149,14 +149,17 @@ TEST_F(FavoritesTest, ArchivedFavoritesThatCannotRunTellWhyAndLeaveNothingBehind
   const std::string zip = Put(zipDir, "set.zip", Zip({{"set.1", test::ReadTestFile(volumes[0])}}));
   Add("Split", zip + "\\\\set.1");
 
-  // No temporary folder yet, then one that was deleted after it was chosen.
+  // No temporary folder set: the one in the cache folder, made for it and left empty.
   EXPECT_EQ(Run("Split"), 1);
+  EXPECT_TRUE(std::filesystem::is_empty(PathOf("cache/romsteward/temp")));
+  // One that was deleted after it was chosen is not replaced behind the user's back.
   ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", PathToUtf8(PathOf("gone"))).ok());
   EXPECT_EQ(Run("Split"), 1);
   ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", MakeDir("temp")).ok());
   EXPECT_EQ(Run("Split"), 1);
-  EXPECT_THAT(host.Texts(), ElementsAre(kTempFolderMissing, kTempFolderMissing,
-                                        "You can't run splitted files stored in a ZIP"));
+  EXPECT_THAT(host.Texts(),
+              ElementsAre("You can't run splitted files stored in a ZIP", kTempFolderMissing,
+                          "You can't run splitted files stored in a ZIP"));
   for (const auto& event : host.Events())
     EXPECT_EQ(event.icon, MessageIcon::Critical);
   EXPECT_THAT(launches, IsEmpty());
@@ -217,6 +220,25 @@ TEST_F(FavoritesTest, APlainFavoriteRunsWithItsSavedOptionsAndMissingEntriesAreR
   EXPECT_EQ(launches.size(), 2u);
   EXPECT_THAT(host.Texts(),
               ElementsAre(kRomDoesNotExist, kRomDoesNotExist, "Directory no longer exists"));
+}
+
+// File names tell case apart: each road to an image reaches the one named exactly.
+TEST_F(FavoritesTest, NamesDifferingOnlyInCaseReachTheImageNamedExactly) {
+  const std::string dir = MakeDir("roms");
+  for (const char* name : {"Sonic.bin", "sonic.bin", "SONIC.bin"})
+    Put(dir, name, ImageBytes(Layout::Bin));
+  for (const char* name : {"Sonic.bin", "sonic.bin", "SONIC.bin"}) {
+    SCOPED_TRACE(name);
+    launches.clear();
+    Add("Game", JoinDirName(dir, name));
+    EXPECT_EQ(Run("Game"), 1);
+    model.RunImagePath(JoinDirName(dir, name));
+    ASSERT_EQ(launches.size(), 2u);
+    EXPECT_EQ(launches[0].entry, name);
+    EXPECT_EQ(launches[1].entry, name);
+    model.RefreshRomList();  // F5
+    EXPECT_EQ(model.SelectedText(), name);
+  }
 }
 
 TEST_F(FavoritesTest, RemovingTakesOneConfirmedTitleFromTheListDialog) {

@@ -3,6 +3,7 @@
 
 #include "core/app/main_window_model.h"
 #include "core/launch/emulator_profiles.h"
+#include "core/launch/emulator_runners.h"
 #include "core/library/place.h"
 #include "core/settings/option_commands.h"
 #include "support/place_fixture.h"
@@ -15,6 +16,8 @@ using ::testing::ElementsAre;
 
 class MainWindowCommandsTest : public test::PlaceTest {
 protected:
+  // No emulator of this machine's is found unless a test puts one in place.
+  MainWindowCommandsTest() { model.SetProgramFolders({}); }
   std::string Collection() {
     const std::string dir = MakeDir("roms");
     Put(dir, "alpha.bin", ImageBytes(Layout::Bin));
@@ -61,7 +64,7 @@ TEST_F(MainWindowCommandsTest, StartUpReadsTheChecksShowsTheNoticeAndOpensTheLas
 
   // Locating an emulator writes its key, and the notice is not shown again.
   host.AnswerOpenFile("/games/kgen.exe");
-  LocateEmulator(host, settings, *FindEmulatorProfile("kgen"));
+  LocateEmulator(host, settings, *FindEmulatorProfile("kgen"), {});
   EXPECT_EQ(host.Events().back().dialog.title, "Locate KGen.exe");
   EXPECT_EQ(host.Events().back().dialog.filters[0].patterns, "kgen.exe");
   EXPECT_EQ(host.Events().back().dialog.initialDir, "/usr/games");
@@ -75,8 +78,63 @@ TEST_F(MainWindowCommandsTest, StartUpReadsTheChecksShowsTheNoticeAndOpensTheLas
   LocateEmulator(host, settings, *FindEmulatorProfile("kgen"));
   EXPECT_EQ(host.Events().back().dialog.initialDir, emulators);
   MainWindowModel again(host, settings);
+  again.SetProgramFolders({});
   again.Start();
   EXPECT_EQ(Notices(), 1u);
+}
+
+TEST_F(MainWindowCommandsTest, TheFirstStartFillsInTheInstalledEmulatorsAndSaysSo) {
+  const std::string games = MakeDir("games");
+  for (const char* name : {"mednafen", "blastem"})
+    Put(games, name, "#!/bin/sh\n");
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "dir0", Collection()));
+  model.SetProgramFolders({PathOf("nowhere"), Utf8ToPath(games)});
+  model.Start();
+  EXPECT_EQ(Notices(), 0u);
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "BlastEm"), JoinDirName(games, "blastem"));
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "Mednafen"), JoinDirName(games, "mednafen"));
+  ASSERT_EQ(host.Texts().size(), 1u);
+  EXPECT_THAT(host.Texts()[0], ::testing::HasSubstr("BlastEm is now the emulator"));
+  // A game without options of its own starts in it, as the next selection shows.
+  const int blastEm = static_cast<int>(EmulatorTab::BlastEm);
+  EXPECT_EQ(model.Options().preferredEmulator, blastEm);
+  model.Select(1);
+  EXPECT_EQ(model.LaunchRequestForSelection().options.preferredEmulator, blastEm);
+
+  // Once one is known, a start neither looks nor speaks.
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "BlastEm", ""));
+  MainWindowModel again(host, settings);
+  again.SetProgramFolders({Utf8ToPath(games)});
+  again.Start();
+  EXPECT_EQ(host.Texts().size(), 1u);
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "BlastEm"), "");
+}
+
+TEST_F(MainWindowCommandsTest, ADosEmulatorFoundOrLocatedIsOfferedAnInstalledRunner) {
+  const std::string games = MakeDir("games");
+  for (const char* name : {"genem.exe", "kgen.exe"})
+    Put(games, name, "MZ");
+  const std::string bin = MakeDir("bin");
+  Put(bin, "wine", "#!/bin/sh\n");
+  host.AnswerYesNo(Answer::Yes).AnswerYesNo(Answer::No);
+  model.SetProgramFolders({Utf8ToPath(games), Utf8ToPath(bin)});
+  model.Start();
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "Genemrun"), "wine");
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "KGenrun"), "");
+  EXPECT_EQ(model.Options().preferredEmulator, static_cast<int>(EmulatorTab::GenEm));
+  const auto questions = host.EventsOf(test::PromptKind::YesNo);
+  ASSERT_EQ(questions.size(), 2u);
+  EXPECT_EQ(questions[0].text,
+            SuggestRunnerQuestion(*FindEmulatorProfile("GenEm"), RunnerChoices()[1]));
+
+  // Located by hand: offered while it has no runner, and only where a runner is installed.
+  host.AnswerOpenFile("/games/genecyst.exe").AnswerYesNo(Answer::Yes);
+  LocateEmulator(host, settings, *FindEmulatorProfile("Genecyst"), {Utf8ToPath(bin)});
+  EXPECT_EQ(settings.GetSetting(kSectionSettings, "Genecystrun"), "wine");
+  host.AnswerOpenFile("/games/genecyst.exe").AnswerOpenFile("/games/gennew.exe");
+  LocateEmulator(host, settings, *FindEmulatorProfile("Genecyst"), {Utf8ToPath(bin)});
+  LocateEmulator(host, settings, *FindEmulatorProfile("GenEmnew"), {});
+  EXPECT_EQ(host.EventsOf(test::PromptKind::YesNo).size(), 3u);
 }
 
 TEST_F(MainWindowCommandsTest, ClosingSavesAsTheExitChecksSayAndAlwaysThePosition) {
@@ -139,6 +197,17 @@ TEST_F(MainWindowCommandsTest, EnterStartsTheExtraCommandLineAndEmptiesIt) {
   EXPECT_EQ(starter.started[0].program, "xterm");
   EXPECT_THAT(starter.started[0].arguments, ElementsAre("-e", "top"));
   EXPECT_EQ(model.ExtraCommandLine(), "");
+
+  // Quoted as in a terminal; an open quote is told and the text stays to be mended.
+  model.SetExtraCommandLine(R"(mednafen "/roms/my game.bin")");
+  model.ExecuteExtraCommandLine(starter);
+  ASSERT_EQ(starter.started.size(), 2u);
+  EXPECT_THAT(starter.started[1].arguments, ElementsAre("/roms/my game.bin"));
+  model.SetExtraCommandLine(R"(mednafen "/roms/my game.bin)");
+  model.ExecuteExtraCommandLine(starter);
+  EXPECT_EQ(starter.started.size(), 2u);
+  EXPECT_EQ(model.ExtraCommandLine(), R"(mednafen "/roms/my game.bin)");
+  EXPECT_THAT(host.Texts().back(), ::testing::HasSubstr("not closed"));
 }
 
 TEST_F(MainWindowCommandsTest, SavingAndDeletingTheCartridgesSettings) {

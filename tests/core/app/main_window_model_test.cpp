@@ -189,6 +189,8 @@ TEST_F(MainWindowModelTest, TheOpenCommandsRefuseWhatCannotBeAPlace) {
   model.OpenRomDirectory();
   host.AnswerOpenFile(std::nullopt);
   model.OpenZipDirectory();
+  // A temporary folder the user chose and then deleted.
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", PathToUtf8(PathOf("gone"))));
   for (const std::string& path :
        {std::string("\\\\server\\share\\set.zip"), Put(dir, "fake.zip", "PK no signature"), zip}) {
     host.AnswerOpenFile(path);

@@ -1,8 +1,10 @@
 #include "core/launch/command_line.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "core/common/strings.h"
+#include "core/launch/shell_words.h"
 #include "support/temp_dir.h"
 
 namespace romsteward {
@@ -56,6 +58,33 @@ TEST(GenIniTest, KeepsTheFirstWordsItShouldAndDropsTheRest) {
   EXPECT_EQ(RewriteGenIni("-sndrate 44100\r\n extra", old),
             std::string(kGenIniBanner1) + "\r\n" + std::string(kGenIniBanner2) +
                 "\r\n-sndrate 44100\r\n extra\r\n-res 640 480\r\n-romdir c:\\roms\r\n-savedir");
+  // Lines ended by CR alone (an old Mac editor) or mixed ends are lines all the same.
+  const std::string kept = std::string(kGenIniBanner1) + "\r\n" + std::string(kGenIniBanner2) +
+                           "\r\n-sndrate 44100\r\n-res 640 480\r\n-romdir d:\r\n-pcxdir p";
+  EXPECT_EQ(RewriteGenIni("-sndrate 44100", "-res 640 480\r-nofm\r-romdir d:\r-pcxdir p\r"), kept);
+  EXPECT_EQ(RewriteGenIni("-sndrate 44100", "-res 640 480\n\r-nofm\r\n-romdir d:\n-pcxdir p"),
+            kept);
+}
+
+TEST(ShellWordsTest, QuotesAndBackslashesAsAShellUserTypesThem) {
+  using Words = std::vector<std::string>;
+  const std::pair<std::string_view, Words> cases[] = {
+      {R"(-cfg "my file.cfg")", {"-cfg", "my file.cfg"}},
+      {R"(  -a   'b  c'd "" '')", {"-a", "b  cd", "", ""}},
+      {R"(my\ file \"q\" \\x)", {"my file", "\"q\"", "\\x"}},
+      // Inside double quotes a backslash keeps only $ ` " \ and otherwise stays.
+      {R"("a\"b\$c\n\\" 'it\s')", {"a\"b$c\\n\\", "it\\s"}},
+      // Nothing is expanded, and a trailing backslash stands for itself.
+      {R"($HOME *.bin `id` end\)", {"$HOME", "*.bin", "`id`", "end\\"}},
+      {"", {}},
+  };
+  for (const auto& [text, words] : cases) {
+    const auto split = SplitShellWords(text);
+    ASSERT_TRUE(split) << text;
+    EXPECT_EQ(*split, words) << text;
+  }
+  for (std::string_view open : {R"(-cfg "my file)", "it's", R"("a\")"})
+    EXPECT_THAT(SplitShellWords(open).error().message, ::testing::HasSubstr("not closed")) << open;
 }
 
 class ComposeTest : public test::TempDirTest {
@@ -82,6 +111,20 @@ TEST_F(ComposeTest, TheRomPathIsOneArgumentAndTheRunnerGoesFirst) {
                                       "-z80", "-japan", "-x", "-y"}));
   EXPECT_EQ(command.process.workingDirectory, Dir() / "emu");
   EXPECT_FALSE(command.genIniText);
+
+  // Quoted extra words stay whole for every tab that takes them on its command line.
+  input.extra = R"(-cfg "my file.cfg")";
+  input.runner.clear();
+  for (std::string_view profile : {"GenEm", "KGen", "BlastEm"}) {
+    input.profile = FindEmulatorProfile(profile);
+    const auto arguments = ComposeEmulatorCommand(input).process.arguments;
+    ASSERT_GE(arguments.size(), 2u);
+    EXPECT_EQ(std::vector<std::string>(arguments.end() - 2, arguments.end()),
+              (std::vector<std::string>{"-cfg", "my file.cfg"}))
+        << profile;
+  }
+  input.profile = FindEmulatorProfile("GenEm");
+  input.runner = {"dosbox", "-exit"};
 
   input.romPath.clear();  // Calibrate Joystick
   EXPECT_EQ(ComposeEmulatorCommand(input).process.arguments,

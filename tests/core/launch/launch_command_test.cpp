@@ -25,6 +25,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 class LaunchCommandTest : public test::PlaceTest {
 protected:
@@ -86,12 +87,12 @@ TEST_F(LaunchCommandTest, ThePatchIsOnDuringTheRunAndGoneAfterIt) {
   PatchImage("Game (W) [!].bin");
   LaunchRequest request = Request("Game (W) [!].bin");
   request.options.activateDynamicPatch = true;
-  request.extraCommandLine = "-extra  words";
+  request.extraCommandLine = R"(-extra  "two  words")";
   // Named from our folder, the image must reach the emulator, which runs in its own.
   request.diret = PathToUtf8(std::filesystem::relative(Utf8ToPath(roms)));
 
   ASSERT_TRUE(Run(request)) << host.Transcript();
-  EXPECT_EQ(Logged("args"), path + "\n-nojoy\n-z80\n-extra\nwords\n");
+  EXPECT_EQ(Logged("args"), path + "\n-nojoy\n-z80\n-extra\ntwo  words\n");
   EXPECT_EQ(Logged("cwd"), PathToUtf8(PathOf("emu")) + "\n");
   EXPECT_EQ(Logged("image").substr(0x200, 2), "XY");
   EXPECT_EQ(test::ReadTestFile(Utf8ToPath(path)), image);
@@ -103,7 +104,8 @@ TEST_F(LaunchCommandTest, ThePatchIsOnDuringTheRunAndGoneAfterIt) {
 
 TEST_F(LaunchCommandTest, ArchiveMembersAreExtractedForTheRunAndDeletedAfterIt) {
   const std::string first = ImageBytes(Layout::SplitFirst);
-  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", temp));
+  // No temporary folder set: one in the user's cache folder, made when first needed.
+  temp = PathToUtf8(PathOf("cache/romsteward/temp"));
   // A 7z member runs exactly as a ZIP member does.
   for (const auto& [name, format] :
        {std::pair{"set.zip", ArchiveFormat::Zip}, std::pair{"set.7z", ArchiveFormat::SevenZip}}) {
@@ -126,18 +128,31 @@ TEST_F(LaunchCommandTest, ArchiveMembersAreExtractedForTheRunAndDeletedAfterIt) 
   }
 }
 
-TEST_F(LaunchCommandTest, AFailedRunShowsItsStatusAndLastWords) {
+// "Error running emulator!" is for a start that failed; an emulator that ran and ended badly
+// gets our own note, and its run counts in the history all the same.
+TEST_F(LaunchCommandTest, AFailedStartIsAnErrorAndABadEndIsOurOwnNote) {
   Put(roms, "a.bin", ImageBytes(Layout::Bin));
   test::WriteTestFile(log / "exit", "3");
-  EXPECT_FALSE(Run(Request("a.bin")));
-  ASSERT_EQ(host.Texts().size(), 1u);
-  EXPECT_THAT(host.Texts()[0], HasSubstr("Error running emulator!"));
-  EXPECT_THAT(host.Texts()[0], HasSubstr("exit status 3"));
-  EXPECT_THAT(host.Texts()[0], HasSubstr("first complaint\nlast complaint"));
+  {
+    LaunchCommand launch(host, settings, runner);
+    EXPECT_FALSE(RunAndWait(launch, runner, Request("a.bin")));
+    EXPECT_TRUE(launch.Ran());
+  }
+  ASSERT_EQ(host.Events().size(), 1u);
+  const test::HostEvent& note = host.Events()[0];
+  EXPECT_THAT(note.text, ::testing::StartsWith(kEndedBadlyPrefix));
+  EXPECT_THAT(note.text, Not(HasSubstr("Error running emulator!")));
+  EXPECT_THAT(note.text, HasSubstr("exit status 3"));
+  EXPECT_THAT(note.text, HasSubstr("first complaint\nlast complaint"));
+  EXPECT_EQ(note.icon, MessageIcon::Exclamation);
+  EXPECT_TRUE(PlayHistory(settings, "a.bin"));
 
   // A program that cannot start at all.
   std::filesystem::permissions(emulator, std::filesystem::perms::owner_read);
-  EXPECT_FALSE(Run(Request("a.bin")));
+  LaunchCommand launch(host, settings, runner);
+  EXPECT_FALSE(RunAndWait(launch, runner, Request("a.bin")));
+  EXPECT_FALSE(launch.Ran());
+  EXPECT_THAT(host.Texts().back(), ::testing::StartsWith("Error running emulator!"));
   EXPECT_THAT(host.Texts().back(), HasSubstr("Permission denied"));
 }
 
@@ -147,6 +162,8 @@ TEST_F(LaunchCommandTest, EachCheckStopsTheLaunchWithItsMessage) {
   Put(roms, "q.md", ImageBytes(Layout::Md));
   LaunchRequest zip = Request("a.bin");
   zip.zipListing = true;
+  // The message is for a temporary folder the user chose and that has gone since.
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", PathToUtf8(PathOf("gone"))));
   LaunchRequest badTab = Request("a.bin");
   badTab.options.preferredEmulator = 7;
   struct Case {
@@ -170,6 +187,19 @@ TEST_F(LaunchCommandTest, EachCheckStopsTheLaunchWithItsMessage) {
     LaunchCommand launch(fresh, settings, runner);
     EXPECT_FALSE(launch.Begin(request)) << message;
     EXPECT_THAT(fresh.Texts(), ElementsAre(message));
+  }
+  // A quote left open in the extra command line stops the launch before the patch goes on.
+  const std::string image = ImageBytes(Layout::Bin);
+  ASSERT_TRUE(StorePatch(settings.Store(), "a.bin", "p", {0x201, "XY", "\x60\xFE"}));
+  LaunchRequest open = Request("a.bin");
+  open.options.activateDynamicPatch = true;
+  open.extraCommandLine = R"(-cfg "my file.cfg)";
+  {
+    test::ScriptedHost fresh;
+    LaunchCommand launch(fresh, settings, runner);
+    EXPECT_FALSE(launch.Begin(open));
+    EXPECT_THAT(fresh.Texts(), ElementsAre(HasSubstr("not closed")));
+    EXPECT_EQ(test::ReadTestFile(Utf8ToPath(JoinDirName(roms, "a.bin"))), image);
   }
   ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "KGen", PathToUtf8(PathOf("gone.exe"))));
   LaunchCommand launch(host, settings, runner);

@@ -66,6 +66,13 @@ TEST_F(SavedGamesTest, EntriesResolveToTheirFilesAndHeadingsAreRefused) {
   EXPECT_EQ(*SavedGameFile(entries, 2, m_rom, m_kgen), m_dir / "roms" / "Sunset Rider.sav");
   EXPECT_FALSE(SavedGameFile(entries, 3, m_rom, m_kgen).ok());
   EXPECT_EQ(*SavedGameFile(entries, 4, m_rom, m_kgen), m_dir / "kgen" / "Sunse.kss");
+
+  // Of two states differing in case only, the one named exactly after the image.
+  Touch("roms/SUNSET RIDER.gsv");
+  Touch("roms/Sunset Rider.gsv");
+  const auto both = JogosSalvos(m_rom, m_kgen);
+  ASSERT_EQ(both.front(), "Genecyst State");
+  EXPECT_EQ(*SavedGameFile(both, 0, m_rom, m_kgen), m_dir / "roms" / "Sunset Rider.gsv");
 }
 
 TEST_F(SavedGamesTest, DebianEmulatorFilesFollowTheClassicOnes) {

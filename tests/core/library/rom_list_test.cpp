@@ -77,6 +77,15 @@ TEST(ReselectByName, FindsByHalvingWithBlanksAndCaseIgnored) {
   EXPECT_EQ(ReselectByName({"c.1", "a.bin", "b.md"}, "c.1"), std::nullopt);
 }
 
+TEST(ReselectByName, AnExactNameWinsOverOneDifferingInCaseOrBlanks) {
+  std::vector<std::string> entries = {"sonic.bin", "SONIC.bin", "Sonic.bin", "So nic.bin"};
+  SortRomNames(entries, SortOrder::Name);
+  for (const std::string& name : entries)
+    EXPECT_EQ(entries[*ReselectByName(entries, name)], name);
+  // Without an exact one, any of them (case-folding is only the fallback).
+  EXPECT_TRUE(ReselectByName(entries, "sOnIc.BIN"));
+}
+
 TEST(MatchesMask, StarsAndQuestionMarksWithoutCase) {
   EXPECT_TRUE(MatchesMask("a.b.BIN", "*.bin") && MatchesMask("README", "*.*"));
   EXPECT_FALSE(MatchesMask("game.bin.txt", "*.bin") || MatchesMask("game.10", "*.1"));

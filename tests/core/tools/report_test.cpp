@@ -122,6 +122,8 @@ TEST_F(ReportTest, ArchiveMembersAreExtractedAndDeletedAfterwards) {
                                    {"two.smd", ImageBytes(Layout::Smd)},
                                    {"readme.txt", "no image"}}));
   const RomListSource source{zip, true, {"one.bin", "two.smd", "readme.txt"}};
+  // A temporary folder the user chose and then deleted.
+  ASSERT_TRUE(settings.SaveSetting(kSectionSettings, "temp", PathToUtf8(PathOf("gone"))).ok());
   form.CreateList(host, settings, source);
   EXPECT_THAT(host.Texts(), ElementsAre(std::string(kTempFolderMissing)));
 
