@@ -190,7 +190,7 @@ TEST_F(LaunchCommandTest, EachCheckStopsTheLaunchWithItsMessage) {
   }
   // A quote left open in the extra command line stops the launch before the patch goes on.
   const std::string image = ImageBytes(Layout::Bin);
-  ASSERT_TRUE(StorePatch(settings.Store(), "a.bin", "p", {0x201, "XY", "\x60\xFE"}));
+  PatchImage("a.bin");
   LaunchRequest open = Request("a.bin");
   open.options.activateDynamicPatch = true;
   open.extraCommandLine = R"(-cfg "my file.cfg)";
