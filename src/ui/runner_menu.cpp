@@ -5,6 +5,9 @@
 #include <QMenu>
 #include <QMenuBar>
 
+#include <string_view>
+#include <utility>
+
 #include "core/common/strings.h"
 #include "core/host/app_title.h"
 #include "core/host/host.h"
@@ -74,12 +77,23 @@ void FillProfileMenu(QMenu* menu, const EmulatorProfile& profile, Host& host,
   });
 }
 
+// The emulator's name with the access key its "Search ..." item uses.
+QString CaptionWithKey(std::string_view name) {
+  static const std::pair<std::string_view, std::size_t> kKeys[] = {
+      {"GenEm", 0}, {"GenEmnew", 2}, {"Genecyst", 4}, {"KGen", 0}};
+  QString caption = ToQt(name);
+  for (const auto& [known, at] : kKeys) {
+    if (known == name) caption.insert(static_cast<qsizetype>(at), '&');
+  }
+  return caption;
+}
+
 }  // namespace
 
 QMenu* AddRunnerMenu(MainWindow& window, Host& host, AppSettings& settings) {
   QMenu* options = OptionsMenu(window);
   if (!options) return nullptr;
-  auto* runners = new QMenu(QStringLiteral("Emulator &runners"), options);
+  auto* runners = new QMenu(QStringLiteral("Emulator r&unners"), options);
   runners->menuAction()->setObjectName("mnu_runners");
   // Right after the Directories submenu, where the emulators are located; else at the end.
   QAction* before = nullptr;
@@ -92,7 +106,7 @@ QMenu* AddRunnerMenu(MainWindow& window, Host& host, AppSettings& settings) {
   options->insertMenu(before, runners);
   for (const EmulatorProfile& profile : EmulatorProfiles()) {
     if (!profile.classic) continue;
-    QMenu* menu = runners->addMenu(ToQt(profile.name));
+    QMenu* menu = runners->addMenu(CaptionWithKey(profile.name));
     menu->menuAction()->setObjectName(QStringLiteral("mnu_run") + ToQt(profile.name));
     menu->setObjectName(QStringLiteral("mnu_run") + ToQt(profile.name));
     FillProfileMenu(menu, profile, host, settings);
