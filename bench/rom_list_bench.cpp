@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "cli/terminal_host.h"
-#include "core/host/host.h"
 #include "core/app/main_window_model.h"
 #include "core/common/strings.h"
+#include "core/host/host.h"
 #include "core/library/rom_sort.h"
 #include "core/settings/app_settings.h"
 #include "core/settings/registry_store.h"

@@ -24,7 +24,9 @@ static_assert(kTabGenecyst == static_cast<int>(romsteward::EmulatorTab::Genecyst
               kTabMednafen == static_cast<int>(romsteward::EmulatorTab::Mednafen));
 
 // The text of a control in the core's table (every control named here is in it).
-QString TooltipOf(std::string_view name) { return ToQt(FindOptionControl(name)->tooltip); }
+QString TooltipOf(std::string_view name) {
+  return ToQt(FindOptionControl(name)->tooltip);
+}
 
 }  // namespace
 

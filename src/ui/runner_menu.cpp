@@ -4,7 +4,6 @@
 #include <QActionGroup>
 #include <QMenu>
 #include <QMenuBar>
-
 #include <string_view>
 #include <utility>
 
@@ -99,8 +98,7 @@ QMenu* AddRunnerMenu(MainWindow& window, Host& host, AppSettings& settings) {
   QAction* before = nullptr;
   const QList<QAction*> actions = options->actions();
   for (qsizetype i = 0; i + 1 < actions.size(); ++i) {
-    if (actions[i]->menu() &&
-        actions[i]->menu()->objectName() == QStringLiteral("mnu_directories"))
+    if (actions[i]->menu() && actions[i]->menu()->objectName() == QStringLiteral("mnu_directories"))
       before = actions[i + 1];
   }
   options->insertMenu(before, runners);

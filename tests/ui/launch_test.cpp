@@ -310,17 +310,18 @@ private slots:
       if (top->menu()) collect(top->menu());
     }
     for (const char* name :
-         {"mnu_dir", "mnu_opendir", "mnu_openzip", "mnu_dirs(0)", "mnu_show", "mnu_showsub(1)",
-          "mnu_sort", "mnu_sortsub(1)", "mnu_lista", "mnu_criaIPS", "mnu_aplicaIPS",
-          "mnu_joinany", "mnu_file", "mnu_copy", "mnu_move", "mnu_delete", "mnu_ren", "mnu_prop",
-          "mnu_previmg", "mnu_preview", "mnu_picprev", "mnu_tool", "mnu_crc", "mnu_getcrc",
-          "mnu_header", "mnu_split", "mnu_join", "mnu_patch", "mnu_ips2dyn", "mnu_tirapatch",
-          "mnu_conv", "mnu_convBIN", "mnu_convSMD", "mnu_convMD", "mnu_savthiscart", "mnu_del",
-          "mnu_savcart", "mnu_save", "mnu_savagora", "mnu_delgeral", "mnuNomeCapt",
-          "mnuTitle(1)", "mnu_locateGen", "mnu_locatenew", "mnu_locateGenecyst",
-          "mnu_locateKGen", "mnu_settemp", "mnu_savcont", "mnu_delcont", "mnu_lockcont",
-          "mnu_regtypes", "mnu_regbin", "mnu_regsmd", "mnu_regsplit", "mnu_regmd",
-          "mnufavorite", "mnu_addfav", "mnu_orgfav"}) {
+         {"mnu_dir",        "mnu_opendir", "mnu_openzip",    "mnu_dirs(0)",   "mnu_show",
+          "mnu_showsub(1)", "mnu_sort",    "mnu_sortsub(1)", "mnu_lista",     "mnu_criaIPS",
+          "mnu_aplicaIPS",  "mnu_joinany", "mnu_file",       "mnu_copy",      "mnu_move",
+          "mnu_delete",     "mnu_ren",     "mnu_prop",       "mnu_previmg",   "mnu_preview",
+          "mnu_picprev",    "mnu_tool",    "mnu_crc",        "mnu_getcrc",    "mnu_header",
+          "mnu_split",      "mnu_join",    "mnu_patch",      "mnu_ips2dyn",   "mnu_tirapatch",
+          "mnu_conv",       "mnu_convBIN", "mnu_convSMD",    "mnu_convMD",    "mnu_savthiscart",
+          "mnu_del",        "mnu_savcart", "mnu_save",       "mnu_savagora",  "mnu_delgeral",
+          "mnuNomeCapt",    "mnuTitle(1)", "mnu_locateGen",  "mnu_locatenew", "mnu_locateGenecyst",
+          "mnu_locateKGen", "mnu_settemp", "mnu_savcont",    "mnu_delcont",   "mnu_lockcont",
+          "mnu_regtypes",   "mnu_regbin",  "mnu_regsmd",     "mnu_regsplit",  "mnu_regmd",
+          "mnufavorite",    "mnu_addfav",  "mnu_orgfav"}) {
       QVERIFY2(reachable.contains(name), name);
     }
     // The submenu holds the Search items, then the temporary directory.

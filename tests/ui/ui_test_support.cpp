@@ -1,9 +1,9 @@
 #include "ui_test_support.h"
 
 #include <QApplication>
-#include <algorithm>
 #include <QTimer>
 #include <QWidget>
+#include <algorithm>
 
 #include "core/common/strings.h"
 #include "core/demo/demo_collection.h"

@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "core/host/host.h"
 #include "core/cart/interleave.h"
 #include "core/cart/split_set.h"
 #include "core/common/strings.h"
+#include "core/host/host.h"
 
 namespace romsteward {
 

@@ -16,8 +16,10 @@ std::string EncodeImage(std::string_view logical, Layout layout) {
     case Layout::Smd:
       return BuildSmdHeader(static_cast<std::int64_t>(logical.size() / kBlockSize), false) +
              BinToSmdData(logical);
-    case Layout::Md: return BinToMd(logical);
-    default: return std::string(logical);
+    case Layout::Md:
+      return BinToMd(logical);
+    default:
+      return std::string(logical);
   }
 }
 

@@ -12,7 +12,9 @@ namespace romsteward {
 /// layout is read off the extension of `fileName` alone, so ".bin", ".smd", ".md" and ".1"
 /// (any case) are known and everything else is NoRom.
 Layout DetectRomFormat(const BinaryFile* file, std::string_view fileName);
-inline Layout DetectRomFormat(const BinaryFile& file) { return DetectRomFormat(&file, {}); }
+inline Layout DetectRomFormat(const BinaryFile& file) {
+  return DetectRomFormat(&file, {});
+}
 /// The layout of a whole image held in memory (an archive member), by the same signatures.
 Layout DetectRomFormat(std::string_view bytes);
 

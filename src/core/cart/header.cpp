@@ -28,23 +28,53 @@ std::string DecodeIoDevices(std::string_view field) {
   for (char c : TrimBlanks(field)) {
     const char code = ToUpperAscii(c);
     switch (code) {
-      case 'J': result += ",Joypad"; break;
-      case '4': result += ",Team Play"; break;
-      case '6': result += ",6-button Joypad"; break;
-      case '0': result += ",Joystick for MS"; break;
-      case 'K': result += ",Keyboard"; break;
-      case 'R': result += ",Serial RS232C"; break;
-      case 'P': result += ",Printer"; break;
-      case 'T': result += ",Tablet"; break;
-      case 'B': result += ",Control Ball"; break;
-      case 'V': result += ",Paddle Controller"; break;
-      case 'F': result += ",Floppy Disk Drive"; break;
-      case 'C': result += ",CD-ROM"; break;
-      case 'L': result += ",Activator"; break;
-      case 'M': result += ",Mega Mouse"; break;
+      case 'J':
+        result += ",Joypad";
+        break;
+      case '4':
+        result += ",Team Play";
+        break;
+      case '6':
+        result += ",6-button Joypad";
+        break;
+      case '0':
+        result += ",Joystick for MS";
+        break;
+      case 'K':
+        result += ",Keyboard";
+        break;
+      case 'R':
+        result += ",Serial RS232C";
+        break;
+      case 'P':
+        result += ",Printer";
+        break;
+      case 'T':
+        result += ",Tablet";
+        break;
+      case 'B':
+        result += ",Control Ball";
+        break;
+      case 'V':
+        result += ",Paddle Controller";
+        break;
+      case 'F':
+        result += ",Floppy Disk Drive";
+        break;
+      case 'C':
+        result += ",CD-ROM";
+        break;
+      case 'L':
+        result += ",Activator";
+        break;
+      case 'M':
+        result += ",Mega Mouse";
+        break;
       // The blank after the comma stays: a field that starts with an unknown letter shows
       // a leading blank, as it always has.
-      default: result += ", Unknown (" + std::string(1, code) + ")"; break;
+      default:
+        result += ", Unknown (" + std::string(1, code) + ")";
+        break;
     }
   }
   return result.empty() ? result : result.substr(1);
@@ -56,15 +86,31 @@ std::string DecodeCountries(std::string_view field) {
   for (char c : TrimBlanks(withoutNuls)) {
     if (!result.empty() && result.back() != ',') result += ',';
     switch (ToUpperAscii(c)) {
-      case 'J': result += "Japan"; break;
-      case 'U': result += "USA"; break;
-      case 'E': result += "Europe"; break;
-      case 'A': result += "Asia"; break;
+      case 'J':
+        result += "Japan";
+        break;
+      case 'U':
+        result += "USA";
+        break;
+      case 'E':
+        result += "Europe";
+        break;
+      case 'A':
+        result += "Asia";
+        break;
       case 'B':
-      case '4': result += "Brazil"; break;
-      case 'F': result += "France"; break;
-      case '8': result += "Hong Kong"; break;
-      default: result += "Unknown (" + std::string(1, c) + ")"; break;
+      case '4':
+        result += "Brazil";
+        break;
+      case 'F':
+        result += "France";
+        break;
+      case '8':
+        result += "Hong Kong";
+        break;
+      default:
+        result += "Unknown (" + std::string(1, c) + ")";
+        break;
     }
   }
   return result.empty() ? "NOT FOUND" : result;
@@ -87,8 +133,8 @@ std::uint64_t HeaderRomSize(std::string_view field) {
 AddressRange ReadSramRange(std::string_view field) {
   const std::string_view trimmed = TrimBlanks(field);
   return {static_cast<std::uint32_t>(BytesToNumber(trimmed.substr(0, 4))),
-          static_cast<std::uint32_t>(BytesToNumber(trimmed.substr(std::min<std::size_t>(
-              4, trimmed.size()))))};
+          static_cast<std::uint32_t>(
+              BytesToNumber(trimmed.substr(std::min<std::size_t>(4, trimmed.size()))))};
 }
 
 std::string_view RawHeader::Field(header_field::Field field) const {

@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "core/host/host.h"
 #include "core/cart/detect.h"
 #include "core/cart/interleave.h"
 #include "core/cart/split_set.h"
 #include "core/common/binary_file.h"
 #include "core/common/strings.h"
+#include "core/host/host.h"
 #include "core/settings/app_settings.h"
 
 namespace romsteward {

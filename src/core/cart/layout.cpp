@@ -30,7 +30,9 @@ const LayoutInfo& InfoOf(Layout layout) {
 
 }  // namespace
 
-std::string_view LayoutCode(Layout layout) { return InfoOf(layout).code; }
+std::string_view LayoutCode(Layout layout) {
+  return InfoOf(layout).code;
+}
 
 Layout LayoutFromCode(std::string_view code) {
   const std::string upper = ToUpperAscii(code);
@@ -44,7 +46,9 @@ std::string_view FormatDescription(std::string_view code) {
   return InfoOf(LayoutFromCode(code)).description;
 }
 
-std::string_view FormatDescription(Layout layout) { return InfoOf(layout).description; }
+std::string_view FormatDescription(Layout layout) {
+  return InfoOf(layout).description;
+}
 
 bool IsSmdInterleaved(Layout layout) {
   return layout == Layout::Smd || layout == Layout::SplitFirst || layout == Layout::SplitLater;
@@ -57,10 +61,17 @@ bool IsSplitVolume(Layout layout) {
 std::string FileNameForLayout(std::string_view name, Layout layout) {
   std::string_view wanted;
   switch (layout) {
-    case Layout::Bin: wanted = "bin"; break;
-    case Layout::Smd: wanted = "smd"; break;
-    case Layout::Md: wanted = "md"; break;
-    default: return std::string(name);
+    case Layout::Bin:
+      wanted = "bin";
+      break;
+    case Layout::Smd:
+      wanted = "smd";
+      break;
+    case Layout::Md:
+      wanted = "md";
+      break;
+    default:
+      return std::string(name);
   }
   // Only the last component's extension counts: "dir.v2/game" has none.
   const auto slash = name.find_last_of("/\\");
@@ -68,7 +79,8 @@ std::string FileNameForLayout(std::string_view name, Layout layout) {
   const auto dot = base.rfind('.');
   if (dot != std::string_view::npos) {
     const std::string_view current = base.substr(dot + 1);
-    if (EqualsIgnoreCase(current, wanted) || (layout == Layout::Md && EqualsIgnoreCase(current, "mgd")))
+    if (EqualsIgnoreCase(current, wanted) ||
+        (layout == Layout::Md && EqualsIgnoreCase(current, "mgd")))
       return std::string(name);
     name.remove_suffix(current.size() + 1);
   }

@@ -198,8 +198,8 @@ MonthYear DecodeDate(std::string_view s) {
   if (separator == "/") year = "19" + Right(year, 2);
   if (!IsNumeric(year) && year != "199X" && year != "19XX") {
     const std::string last = Right(year, 2);
-    const bool digits = last.size() == 2 && last[0] >= '0' && last[0] <= '9' && last[1] >= '0' &&
-                        last[1] <= '9';
+    const bool digits =
+        last.size() == 2 && last[0] >= '0' && last[0] <= '9' && last[1] >= '0' && last[1] <= '9';
     year = digits ? "19" + last : "Unknown";
   }
   if (!monthSet) month = Mid(s, d + 1);

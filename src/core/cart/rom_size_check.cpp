@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "core/host/host.h"
 #include "core/cart/detect.h"
 #include "core/cart/header.h"
 #include "core/cart/interleave.h"
@@ -12,6 +11,7 @@
 #include "core/cart/rom_size_repair.h"
 #include "core/cart/split_set.h"
 #include "core/common/strings.h"
+#include "core/host/host.h"
 
 namespace romsteward {
 

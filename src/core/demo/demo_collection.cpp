@@ -17,8 +17,8 @@ namespace romsteward {
 
 namespace {
 
-CartridgeSpec Cart(std::string maker, std::string name, std::string countries,
-                   std::string devices, std::size_t kib, std::uint32_t seed) {
+CartridgeSpec Cart(std::string maker, std::string name, std::string countries, std::string devices,
+                   std::size_t kib, std::uint32_t seed) {
   CartridgeSpec spec;
   spec.makerDate = std::move(maker);
   spec.domesticName = name;
@@ -36,8 +36,8 @@ CartridgeSpec Cart(std::string maker, std::string name, std::string countries,
 std::vector<std::string> BuildSplitVolumes(std::string_view logical, std::size_t volumeBytes) {
   std::vector<std::string> volumes;
   for (std::size_t at = 0; at < logical.size(); at += volumeBytes) {
-    const std::string data = EncodeImage(logical.substr(at, volumeBytes), Layout::Smd)
-                                 .substr(kCopierHeaderSize);
+    const std::string data =
+        EncodeImage(logical.substr(at, volumeBytes), Layout::Smd).substr(kCopierHeaderSize);
     const bool more = at + volumeBytes < logical.size();
     const auto blocks = static_cast<std::int64_t>((data.size() + kCopierHeaderSize) / kBlockSize);
     volumes.push_back(BuildSmdHeader(blocks, more) + data);
@@ -65,15 +65,15 @@ Result<std::string> BuildZipArchive(const std::vector<std::pair<std::string, std
 
   for (const auto& [name, contents] : members) {
     std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry(archive_entry_new(),
-                                                                         &archive_entry_free);
+                                                                        &archive_entry_free);
     archive_entry_set_pathname(entry.get(), name.c_str());
     archive_entry_set_filetype(entry.get(), AE_IFREG);
     archive_entry_set_perm(entry.get(), 0644);
     archive_entry_set_size(entry.get(), static_cast<la_int64_t>(contents.size()));
     if (archive_write_header(writer.get(), entry.get()) != ARCHIVE_OK ||
         archive_write_data(writer.get(), contents.data(), contents.size()) < 0)
-      return Error{"Cannot add " + name + " to a ZIP archive: " +
-                   archive_error_string(writer.get())};
+      return Error{"Cannot add " + name +
+                   " to a ZIP archive: " + archive_error_string(writer.get())};
   }
   if (archive_write_close(writer.get()) != ARCHIVE_OK)
     return Error{std::string("Cannot finish a ZIP archive: ") + archive_error_string(writer.get())};

@@ -160,7 +160,8 @@ std::vector<std::string> JogosSalvos(const std::filesystem::path& romPath,
                                        const std::vector<std::string>& names) {
     if (names.empty()) return;
     entries.emplace_back(heading);
-    for (const std::string& name : names) entries.push_back(std::string(kSnapshotPrefix) + name);
+    for (const std::string& name : names)
+      entries.push_back(std::string(kSnapshotPrefix) + name);
   };
   if (found.genecystState) entries.emplace_back(kGenecystState);
   addSnapshots(kGenecystSnapshots, found.genecystSnapshots);
@@ -176,8 +177,7 @@ std::vector<std::string> JogosSalvos(const std::filesystem::path& romPath,
 }
 
 Result<std::filesystem::path> SavedGameFile(const std::vector<std::string>& entries,
-                                            std::size_t index,
-                                            const std::filesystem::path& romPath,
+                                            std::size_t index, const std::filesystem::path& romPath,
                                             std::string_view kgenExecutable) {
   if (index >= entries.size() || entries[index] == kNoSavedGames)
     return Error{"No saved game is selected."};
@@ -189,8 +189,8 @@ Result<std::filesystem::path> SavedGameFile(const std::vector<std::string>& entr
   const SavedGames found = FindSavedGames(romPath, kgenExecutable);
   const std::filesystem::path romDir = romPath.parent_path();
   const std::filesystem::path kgenDir = KGenDirectory(kgenExecutable);
-  const auto inDir = [](const std::filesystem::path& dir, const std::optional<std::string>& name)
-      -> Result<std::filesystem::path> {
+  const auto inDir = [](const std::filesystem::path& dir,
+                        const std::optional<std::string>& name) -> Result<std::filesystem::path> {
     if (!name) return Error{"The saved game is no longer there."};
     return dir / Utf8ToPath(*name);
   };

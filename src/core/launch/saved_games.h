@@ -38,8 +38,7 @@ std::vector<std::string> JogosSalvos(const std::filesystem::path& romPath,
 /// The file that entry `index` of `entries` (a list made by JogosSalvos) stands for. A heading
 /// gives the error "You can't Delete a file type".
 Result<std::filesystem::path> SavedGameFile(const std::vector<std::string>& entries,
-                                            std::size_t index,
-                                            const std::filesystem::path& romPath,
+                                            std::size_t index, const std::filesystem::path& romPath,
                                             std::string_view kgenExecutable);
 
 }  // namespace romsteward

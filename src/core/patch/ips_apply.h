@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <string_view>
 
-#include "core/host/host.h"
 #include "core/common/binary_file.h"
 #include "core/common/result.h"
+#include "core/host/host.h"
 #include "core/patch/ips_format.h"
 
 namespace romsteward {

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/host/host.h"
 #include "core/common/result.h"
+#include "core/host/host.h"
 
 namespace romsteward {
 

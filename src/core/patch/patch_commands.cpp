@@ -36,8 +36,8 @@ CommandResult StoreIpsAsDynamicPatches(Host& host, RegistryStore& store,
   bool cancelled = false;
   // Each record is two values: the patch, and the file its old bytes came from.
   std::vector<RegistryStore::ValueWrite> pending;
-  const Status stored = store.SetValuesFrom(
-      [&]() -> Result<std::optional<RegistryStore::ValueWrite>> {
+  const Status stored =
+      store.SetValuesFrom([&]() -> Result<std::optional<RegistryStore::ValueWrite>> {
         if (pending.empty()) {
           if (count == total) return std::optional<RegistryStore::ValueWrite>();
           if (many && count % 1024 == 0 &&
@@ -48,8 +48,8 @@ CommandResult StoreIpsAsDynamicPatches(Host& host, RegistryStore& store,
           const IpsRecord& record = contents.records[count];
           const PatchValue patch{record.offset + 1ULL, std::string(record.data),
                                  file->ReadAt(record.offset, record.data.size())};
-          pending = PatchWrites(listText, std::string(baseName) + std::to_string(count), patch,
-                                image);
+          pending =
+              PatchWrites(listText, std::string(baseName) + std::to_string(count), patch, image);
           std::reverse(pending.begin(), pending.end());
           ++count;
         }

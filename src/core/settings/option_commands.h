@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "core/host/host.h"
 #include "core/common/result.h"
+#include "core/host/host.h"
 #include "core/settings/emulator_options.h"
 #include "core/settings/general_settings.h"
 

@@ -112,7 +112,7 @@ CommandResult SplitImage(Host& host, const fs::path& image, int megabits) {
   for (std::uint64_t i = 1; i <= volumes; ++i) {
     if (SameFile(volumePath(i), image))
       return ShowFailure(host, Error{"Cannot split " + PathToUtf8(image) +
-                              ": a volume would be written over the image itself"});
+                                     ": a volume would be written over the image itself"});
   }
   for (std::uint64_t i = 1; i <= asked; ++i) {
     const fs::path volume = volumePath(i);

@@ -6,8 +6,8 @@
 #include <string_view>
 #include <vector>
 
-#include "core/host/host.h"
 #include "core/common/result.h"
+#include "core/host/host.h"
 
 namespace romsteward {
 

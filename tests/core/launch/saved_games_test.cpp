@@ -1,7 +1,8 @@
+#include "core/launch/saved_games.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/launch/saved_games.h"
 #include "support/scoped_env.h"
 #include "support/temp_dir.h"
 
@@ -31,13 +32,13 @@ TEST_F(SavedGamesTest, EveryKindInTableOrderWithHeadingsOnlyForSnapshots) {
   Touch("roms/Sunset Rider.gs0");
   Touch("roms/Sunset Rider.sav");
   Touch("kgen/Sunset Rider.ksb");
-  Touch("kgen/SunsX.kss");         // other prefix: not this game's
-  Touch("kgen/sunset2.kss");       // same first five letters: listed, as KGen names them
+  Touch("kgen/SunsX.kss");    // other prefix: not this game's
+  Touch("kgen/sunset2.kss");  // same first five letters: listed, as KGen names them
   Touch("kgen/Sunset Rider.kss");
   EXPECT_THAT(JogosSalvos(m_rom, m_kgen),
               ElementsAre("Genecyst State", "Genecyst Snapshots:", " - Sunset Rider.gs0",
-                          " - Sunset Rider.gs1", "GenEm State", "KGen State", "KGen Snapshots:",
-                          " - Sunset Rider.kss", " - sunset2.kss"));
+                          " - Sunset Rider.gs1", "GenEm State", "KGen State",
+                          "KGen Snapshots:", " - Sunset Rider.kss", " - sunset2.kss"));
 }
 
 TEST_F(SavedGamesTest, NothingFoundShowsTheSingleEntryAndShortNamesMatchWhole) {
@@ -49,8 +50,7 @@ TEST_F(SavedGamesTest, NothingFoundShowsTheSingleEntryAndShortNamesMatchWhole) {
   Touch("kgen/Ax.kss");
   Touch("kgen/Ax9.kss");
   Touch("kgen/Axe.ksb");
-  EXPECT_THAT(JogosSalvos(rom, m_kgen),
-              ElementsAre("KGen Snapshots:", " - Ax.kss", " - Ax9.kss"));
+  EXPECT_THAT(JogosSalvos(rom, m_kgen), ElementsAre("KGen Snapshots:", " - Ax.kss", " - Ax9.kss"));
 }
 
 TEST_F(SavedGamesTest, EntriesResolveToTheirFilesAndHeadingsAreRefused) {
@@ -92,9 +92,9 @@ TEST_F(SavedGamesTest, DebianEmulatorFilesFollowTheClassicOnes) {
   Touch("mdn/mcs/Sunset Rider Two." + hash + ".mc0");  // another game
   const auto entries = JogosSalvos(m_rom, m_kgen);
   EXPECT_THAT(entries, ElementsAre("GenEm State", "BlastEm Battery Save", "BlastEm States:",
-                                   " - quicksave.state", " - slot_1.state",
-                                   "Mednafen Battery Save", "Mednafen States:",
-                                   " - Sunset Rider." + hash + ".mc3", " - Sunset Rider.mc0"));
+                                   " - quicksave.state", " - slot_1.state", "Mednafen Battery Save",
+                                   "Mednafen States:", " - Sunset Rider." + hash + ".mc3",
+                                   " - Sunset Rider.mc0"));
   EXPECT_EQ(SavedGameFile(entries, 4, m_rom, m_kgen).value(),
             m_dir / "home/.local/share/blastem/Sunset Rider/slot_1.state");
   EXPECT_EQ(SavedGameFile(entries, 5, m_rom, m_kgen).value(),
