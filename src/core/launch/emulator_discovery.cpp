@@ -47,7 +47,7 @@ FoundEmulators WelcomeEmulators(Host& host, AppSettings& settings,
                          found.names.front() +
                          " is now the emulator for every game without settings of its own; "
                          "choose another on the emulator tabs. 'Search <emulator's name>' in "
-                         "the Options menu changes a path.",
+                         "the Options menu's 'Directories' submenu changes a path.",
                      MessageIcon::Information, kAppTitle);
     for (const std::string& name : found.names)
       SuggestRunner(host, settings, *FindEmulatorProfile(name), folders);
