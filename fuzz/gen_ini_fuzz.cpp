@@ -39,9 +39,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string head =
       std::string(kGenIniBanner1) + "\r\n" + std::string(kGenIniBanner2) + "\r\n" + block;
   if (rewritten.compare(0, head.size(), head) != 0) std::abort();
+  // Lines may end in CR, LF or both: counting every CR and LF bounds the number of lines.
   std::size_t lines = 1;
   for (char c : old)
-    lines += c == '\n' ? 1 : 0;
+    lines += c == '\n' || c == '\r' ? 1 : 0;
   if (rewritten.size() > head.size() + old.size() + 2 * lines) std::abort();
   return 0;
 }
