@@ -423,19 +423,24 @@ Status RemoveExtractedMember(const std::filesystem::path& folder, std::string_vi
   std::filesystem::path at = folder;
   for (const std::string& part : parts)
     at /= Utf8ToPath(part);
-  std::error_code error;
+  std::error_code fileError;
   // Old copies may have been made read-only; write permission on the folder is what counts
   // here, so the file's own mode needs no change.
-  if (!std::filesystem::remove(at, error) && error)
-    return Error{"Cannot delete " + PathToUtf8(at) + ": " + error.message()};
+  std::filesystem::remove(at, fileError);
+  // The folders the name made go too, deepest first, as long as they are empty, also when
+  // the file itself could not be (a step whose name is too long was never made: passed over).
   while (parts.size() > 1) {
     parts.pop_back();
     std::filesystem::path dir = folder;
     for (const std::string& part : parts)
       dir /= Utf8ToPath(part);
+    std::error_code error;
+    if (std::filesystem::symlink_status(dir, error).type() != std::filesystem::file_type::directory)
+      continue;
     if (!std::filesystem::is_empty(dir, error) || error) break;
     std::filesystem::remove(dir, error);
   }
+  if (fileError) return Error{"Cannot delete " + PathToUtf8(at) + ": " + fileError.message()};
   return {};
 }
 

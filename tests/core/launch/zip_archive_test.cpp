@@ -231,6 +231,12 @@ TEST_F(ZipArchiveTest, DuplicatedNamesAndAFailureHalfWayLeaveNothingBehind) {
     ASSERT_TRUE(RemoveExtractedMember(folder, name).ok());
   EXPECT_TRUE(std::filesystem::is_empty(folder));
   EXPECT_EQ(UnsafeMemberNameReason("./."), "it is a folder");
+
+  // A step too long for the file system fails the member after the folders above it were
+  // made: they go again.
+  const std::string tooLong = "d/e/" + std::string(300, 'x') + "/f.bin";
+  EXPECT_FALSE(ExtractZipMember(Archive(Zip({{tooLong, "f"}})), tooLong, folder).ok());
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
 }
 
 TEST_F(ZipArchiveTest, SevenZipArchivesGoThroughTheSameCode) {
